@@ -1,0 +1,210 @@
+#include <getopt.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "cli/report.h"
+#include "symbols/calltrace.h"
+
+int nexus_files = 0;
+const char* dump_file_name = nullptr;
+
+int is_numeric_arg(const char* text) {
+    const char* p = text;
+    if (*p == '0') p++;
+    int bad = 0;
+    if (*p == 'x') {
+        for (p++; *p; p++)
+            if (!std::isxdigit(uint8_t(*p))) bad++;
+    } else {
+        for (; *p; p++)
+            if (!std::isdigit(uint8_t(*p))) bad++;
+    }
+    return bad == 0;
+}
+
+// An argument that is a prefix of the subcommand, compared over its own length.
+static bool is_prefix_of(const char* arg, const char* word) {
+    size_t n = std::strlen(arg);
+    return n <= std::strlen(word) && std::strncmp(arg, word, n) == 0;
+}
+
+static int usage_failure() {
+    print_usage();
+    return 1;
+}
+
+static bool numeric_option(int letter, uint32_t* value) {
+    if (!is_numeric_arg(optarg)) {
+        std::fprintf(stderr, "krd: option '-%c' requires a numeric argument ['%s']\n", letter, optarg);
+        return false;
+    }
+    *value = uint32_t(std::strtoul(optarg, nullptr, 0));
+    return true;
+}
+
+// Opens the dump, telling a failure as the command line does.
+static std::unique_ptr<krd_file> open_dump(const char* name) {
+    uint8_t error = 0;
+    auto f = krd_open_file(0, name, &error);
+    if (!f) {
+        if (error == 1) std::fprintf(stderr, "error: file %s is not a PMD file\n", name);
+        else std::fprintf(stderr, "error: cannot open file %s\n", name);
+        print_usage();
+    }
+    return f;
+}
+
+int cmd_krd(int argc, char** argv) {
+    static krd_options options;
+    options = krd_options{};
+    options.demangle_style = 1;
+    nexus_files = 0;
+    te_heading_done = 0;
+    const char* letters = "hvltTgnce:m:C:p:x:s:o:z:b:N";
+    const char* out_name = nullptr;
+
+    // Our own copy of the vector: the parser permutes it, and -nexus_files is
+    // taken out of it; the argument strings are never touched.
+    std::vector<char*> args(argv, argv + argc);
+    args.push_back(nullptr);
+    size_t first = 0;
+    int count = argc;
+
+    if (count > 1 && args[1][0] != '-') {
+        if (is_prefix_of(args[1], "info")) {
+            options.flags |= KRD_OPT_LIST;
+            letters = "hvtTo:";
+            first = 1;
+            count--;
+        } else if (is_prefix_of(args[1], "error")) {
+            options.flags |= KRD_OPT_ERROR;
+            letters = "hv:o:";
+            first = 1;
+            count--;
+        }
+    }
+    for (int i = 0; i < count; i++) {
+        if (std::strcmp(args[first + size_t(i)], "-nexus_files") == 0) {
+            nexus_files = 1;
+            args.erase(args.begin() + long(first) + i);
+            count--;
+            break;
+        }
+    }
+    char** av = args.data() + first;
+
+    opterr = 1;
+    optind = 0;  // a full restart of the parser, also for a second run in one process
+    int opt;
+    while ((opt = getopt(count, av, letters)) != -1) {
+        switch (opt) {
+        case 'h': print_help(); return 0;
+        case 'v': print_version(); return 0;
+        case 'l': options.flags |= KRD_OPT_LIST; break;
+        case 't': options.flags |= KRD_OPT_TIME; break;
+        case 'T': options.flags |= KRD_OPT_TIME | KRD_OPT_TIME_RELATIVE; break;
+        case 'g': options.flags |= KRD_OPT_GUESS_SP; break;
+        case 'n': options.flags |= KRD_OPT_NEXUS_NAMES; break;
+        case 'c': options.flags |= KRD_OPT_CONTINUE; break;
+        case 'e': options.symbol_file = optarg; break;
+        case 'm':
+            options.mapping_files[options.mapping_count++] = optarg;
+            if (options.mapping_count >= KRD_MAX_FILES) {
+                std::fprintf(stderr, "krd: Maximum number of Mapping ELF Symbol files is %d.\n", KRD_MAX_FILES);
+                return usage_failure();
+            }
+            break;
+        case 'C':
+            if (!numeric_option('C', &options.demangle_style)) return usage_failure();
+            if (options.demangle_style > 2) {
+                std::fputs("krd: Demangle style can only be 0,1 or 2\n", stderr);
+                return usage_failure();
+            }
+            break;
+        case 'p':
+            if (!numeric_option('p', &options.stack_pointer)) return usage_failure();
+            break;
+        case 'x':
+            if (!numeric_option('x', &options.symbol_offset)) return usage_failure();
+            break;
+        case 's': options.section_filter = optarg; break;
+        case 'o': out_name = optarg; break;
+        case 'z':
+            options.zip_files[options.zip_count++] = optarg;
+            options.flags |= KRD_OPT_ZIP;
+            options.zip_current = 0;
+            if (options.zip_count >= KRD_MAX_FILES) {
+                std::fprintf(stderr, "krd: Maximum number of zip files is %d.\n", KRD_MAX_FILES);
+                return usage_failure();
+            }
+            break;
+        case 'b':
+            options.basic_lmid = optarg;
+            options.flags |= KRD_OPT_BASIC_LMID;
+            break;
+        case 'N': nexus_files = 1; break;
+        default: return usage_failure();
+        }
+    }
+    if (count - optind != 1) {
+        std::fputs("krd: Wrong number of arguments.\n", stderr);
+        return usage_failure();
+    }
+    if ((options.flags & KRD_OPT_TIME) && !(options.flags & KRD_OPT_LIST)) {
+        std::puts("krd: options '-t' or '-T' is only valid for option '-l' or subcommand 'info'");
+        return 1;
+    }
+
+    dump_file_name = av[optind];
+    auto dump = open_dump(dump_file_name);
+    if (!dump) return 1;
+
+    FILE* out = stdout;
+    if (out_name) {
+        out = std::fopen(out_name, "w");
+        if (!out) {
+            std::perror("fopen:");
+            krd_close_file(&dump);
+            return 1;
+        }
+    }
+
+    if (options.flags & KRD_OPT_ZIP) {
+        bool any_failed = false;
+        for (int i = 0; i < options.zip_count; i++) {
+            FILE* z = std::fopen(options.zip_files[i], "rb");
+            if (!z) {
+                std::fprintf(stderr, "krd: Cannot open zip file %s.\n", options.zip_files[i]);
+                any_failed = true;
+            } else {
+                std::fclose(z);
+            }
+        }
+        if (any_failed) return usage_failure();
+        krd_chain plist = krd_find_section(dump.get(), nullptr, "PROCESS LIST");
+        if (plist) {
+            print_memory_block(out, dump.get(), plist.get(), &options, 1);
+            krd_free_chain(plist);
+        } else {
+            std::fputs("Error: No PROCESS LIST section found.\n", stderr);
+        }
+        krd_close_file(&dump);
+        dump = open_dump(dump_file_name);
+        if (!dump) return 1;
+    }
+
+    options.sigsym_failed = 0;
+    print_dump_header(out, dump.get());
+    print_dump_sections(out, dump.get(), &options);
+    if (!(options.flags & (KRD_OPT_LIST | KRD_OPT_ERROR)) &&
+        !(options.sigsym_failed == 1 && !(options.flags & KRD_OPT_CONTINUE)))
+        print_calltrace(out, dump.get(), &options);
+    krd_close_file(&dump);
+    if (out != stdout) std::fclose(out);
+    else std::fflush(out);
+    return 0;
+}

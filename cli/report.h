@@ -1,0 +1,35 @@
+// The run: command line, report walk and the printing of one section.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <span>
+
+#include "cli/krd_options.h"
+#include "pmd/krd_file.h"
+#include "pmd/section_chain.h"
+#include "signals/signals.h"
+
+inline constexpr const char* KRD_PRODUCT_ID = "LQZ 551 0137";
+inline constexpr const char* KRD_VERSION = "R32.2";
+
+int cmd_krd(int argc, char** argv);
+int is_numeric_arg(const char* text);
+void print_usage();
+void print_help();
+void print_version();
+
+void print_dump_header(FILE* out, krd_file* f);
+void print_dump_sections(FILE* out, krd_file* f, krd_options* options);
+void print_section_line(FILE* out, krd_file* f, krd_section* chain, uint32_t flags, uint32_t* base_sec,
+                        uint32_t* base_usec);
+const char* find_process_name(const char* title);
+
+void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
+void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
+void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
+void print_signal(FILE* out, const krd_signal_record* record, const char* text, uint32_t text_len);
+int krd_fputs(int ch);
+
+// Set once the T&E heading has been printed in this run.
+extern int te_heading_done;

@@ -1,0 +1,55 @@
+#!/bin/bash
+# Runs one end-to-end case: builds its dump, runs krd, compares the output.
+#
+# A case is a folder holding:
+#   dump.pmdm   manifest of the dump, built to dump.pmd (optional)
+#   setup       script run first in the work folder (optional); it sees
+#               KRD, MKPMD, CASE, WORK, SRC, BIN and a PATH with BIN/testbin first
+#   args        krd's arguments, one per line (optional, default: dump.pmd)
+#   stdout      expected standard output
+#   stderr      expected standard error (optional, default: empty)
+#   status      expected exit status (optional, default: 0)
+#   files/      further files expected in the work folder afterwards (optional)
+# krd runs in a fresh work folder with "krd" as its argv[0].
+set -u
+KRD=$1 MKPMD=$2 CASE=$3 WORK=$4
+SRC=${5:-} BIN=${6:-}
+export KRD MKPMD CASE WORK SRC BIN
+rm -rf "$WORK" && mkdir -p "$WORK" && cd "$WORK" || exit 2
+
+if [ -f "$CASE/dump.pmdm" ]; then
+    "$MKPMD" "$CASE/dump.pmdm" dump.pmd || { echo "mkpmd failed"; exit 2; }
+fi
+if [ -x "$CASE/setup" ]; then
+    "$CASE/setup" || { echo "setup failed"; exit 2; }
+fi
+
+args=()
+if [ -f "$CASE/args" ]; then
+    while IFS= read -r a || [ -n "$a" ]; do args+=("$a"); done < "$CASE/args"
+else
+    args=(dump.pmd)
+fi
+
+( exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
+echo $? > out.status
+
+fail=0
+compare() {  # expected actual label
+    if ! cmp -s "$1" "$2"; then
+        echo "--- $3 differs (expected vs actual):"
+        diff -u "$1" "$2" | head -200
+        fail=1
+    fi
+}
+compare "$CASE/stdout" out.stdout stdout
+if [ -f "$CASE/stderr" ]; then compare "$CASE/stderr" out.stderr stderr
+else compare /dev/null out.stderr stderr; fi
+if [ -f "$CASE/status" ]; then compare "$CASE/status" out.status status
+else echo 0 | compare /dev/stdin out.status status; fi
+if [ -d "$CASE/files" ]; then
+    for f in "$CASE"/files/*; do
+        compare "$f" "$WORK/$(basename "$f")" "$(basename "$f")"
+    done
+fi
+exit $fail
