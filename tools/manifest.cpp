@@ -178,6 +178,17 @@ bool pmd_parse_manifest(const std::string& text, const std::string& base_dir, pm
                     else if (k == "truncate") out->truncate = number(v);
                     else fail("unknown dump key '" + k + "'");
                 }
+            } else if (cmd == "include") {
+                // Another manifest's sections, in place; its files are relative to it.
+                size_t j = i;
+                std::string path = word(line, j);
+                if (!path.empty() && path[0] != '/') path = base_dir + "/" + path;
+                bytes inc = read_file(path);
+                size_t slash = path.rfind('/');
+                std::string inc_error;
+                if (!pmd_parse_manifest(std::string(inc.begin(), inc.end()), path.substr(0, slash), out, &inc_error))
+                    fail(path + ": " + inc_error);
+                cur = out->sections.empty() ? nullptr : &out->sections.back();
             } else if (cmd == "section") {
                 std::string kind = word(line, i);
                 out->sections.emplace_back();

@@ -27,6 +27,9 @@
 // and describe program and register blocks:
 //   program pid=N word=N resident=N status=N lmid="..." regions=N,N,...
 //   reg NAME VALUE             arch HEXBYTES
+//
+//   include PATH
+//       the sections of another manifest, in place.
 #include <cstdio>
 #include <fstream>
 #include <sstream>

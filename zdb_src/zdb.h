@@ -1,0 +1,74 @@
+// The symbol file reader: ELF files of the board's software, read in place
+// from a read-only mapping, in the byte order each file declares.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Process-wide readers of a 32-bit and a 16-bit field, in the byte order of
+// the file examined last (set by ec_init).
+using zdb_ec32_fn = uint32_t (*)(const uint8_t* p);
+using zdb_ec16_fn = uint32_t (*)(const uint8_t* p);
+extern zdb_ec32_fn Z_EC32;
+extern zdb_ec16_fn Z_EC16;
+
+uint32_t __EC32(uint32_t v);
+uint32_t __EC32_CONV(uint32_t v);
+uint32_t __EC16(uint32_t v);
+uint32_t __EC16_CONV(uint32_t v);
+uint32_t __EC32_ALIGNED(const uint8_t* p);
+uint32_t __EC16_ALIGNED(const uint8_t* p);
+uint32_t __EC32_CONV_ALIGNED(const uint8_t* p);
+uint32_t __EC16_CONV_ALIGNED(const uint8_t* p);
+uint16_t ec_check_endian();
+void ec_init(uint8_t ei_data);
+
+// One open symbol file. Section header fields point at the 40-byte entry in
+// the mapping, or are null when the file has no such section.
+struct zdb_file {
+    int is_dwarf2 = 0;
+    int fd = 0;
+    uint32_t size = 0;
+    const uint8_t* base = nullptr;  // null: no file open in this record
+    const uint8_t* ehdr = nullptr;
+    const uint8_t* shdr = nullptr;
+    const uint8_t* text = nullptr;
+    const uint8_t* debug = nullptr;
+    const uint8_t* line = nullptr;
+    const uint8_t* debug_srcinfo = nullptr;
+    const uint8_t* debug_sfnames = nullptr;
+    const uint8_t* symtab = nullptr;
+    const uint8_t* strtab = nullptr;
+    const uint8_t* debug_line = nullptr;
+    const uint8_t* debug_info = nullptr;
+    const uint8_t* debug_abbrev = nullptr;
+    const uint8_t* debug_str = nullptr;
+    std::unique_ptr<std::vector<const uint8_t*>> symbols;  // sorted by st_value, built on first lookup
+};
+
+// The result of a translation: three strings inside `text`, found by offset;
+// offset 0 reads as the empty string.
+struct zdb_addr_info {
+    uint32_t path_a_offset = 0;
+    uint32_t path_b_offset = 0;
+    uint32_t function_offset = 0;
+    int32_t line = 0;
+    std::string text{1, '\0'};
+
+    const char* path_a() const { return text.c_str() + path_a_offset; }
+    const char* path_b() const { return text.c_str() + path_b_offset; }
+    const char* function() const { return text.c_str() + function_offset; }
+};
+using zdb_addr_result = std::unique_ptr<zdb_addr_info>;
+
+// With a null path the record is made empty. Every failure to read a named
+// file ends the process with status 1.
+void zdb_open_file(zdb_file* file, const char* path);
+void zdb_close_file(zdb_file* file);
+const uint8_t* zdb_find_section(const zdb_file* file, const char* name);
+zdb_addr_result zdb_elf_translate_addr(zdb_file* file, uint32_t addr);
+zdb_addr_result zdb_translate_addr(zdb_file* file, uint32_t addr);
+zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr);
+zdb_addr_result zdb_dwarf_translate_addr(zdb_file* file, uint32_t addr);
