@@ -4,7 +4,9 @@
 # A case is a folder holding:
 #   dump.pmdm   manifest of the dump, built to dump.pmd (optional)
 #   setup       script run first in the work folder (optional); it sees
-#               KRD, MKPMD, CASE, WORK, SRC, BIN and a PATH with BIN/testbin first
+#               KRD, MKPMD, CASE, WORK, SRC (source tree), BIN (build tree)
+#   path        krd's PATH, one line, @WORK@ standing for the work folder
+#               (optional; default: WORK/bin in front of the caller's PATH)
 #   args        krd's arguments, one per line (optional, default: dump.pmd)
 #   stdout      expected standard output
 #   stderr      expected standard error (optional, default: empty)
@@ -31,7 +33,11 @@ else
     args=(dump.pmd)
 fi
 
-( exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
+krd_path="$WORK/bin:$PATH"
+if [ -f "$CASE/path" ]; then
+    krd_path=$(sed "s|@WORK@|$WORK|g" "$CASE/path")
+fi
+( PATH=$krd_path exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
 echo $? > out.status
 
 fail=0
