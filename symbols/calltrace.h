@@ -6,6 +6,17 @@
 
 #include "cli/krd_options.h"
 #include "pmd/krd_file.h"
+#include "symbols/load_module.h"
+#include "zdb_src/zdb.h"
+
+// Modules are linked for this address; a module address is reckoned from it.
+inline constexpr uint32_t LM_LINK_BASE = 0x10000000;
+// Exception vectors of the system call range.
+inline constexpr uint32_t SYSCALL_FIRST = 0xC00;
+inline constexpr uint32_t SYSCALL_LAST = 0xFFF;
 
 void print_calltrace(FILE* stream, krd_file* f, krd_options* options);
 void print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr);
+// One address: load module column, then position and function. Ends the line.
+void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
+                   const char* product_id);

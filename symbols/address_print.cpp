@@ -1,0 +1,161 @@
+// One address of a call trace: the load module that holds it, the address as
+// linked in the symbol file, and function, file and line for it.
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "symbols/iberty.h"
+#include "symbols/address_print.h"
+#include "symbols/cross_tool.h"
+#include "symbols/trace_out.h"
+
+namespace {
+
+// Demangler options per -C style: 1 leaves out return types, 2 shows them.
+constexpr int demangle_options[] = {0, 256, DMGL_PARAMS | DMGL_VERBOSE | DMGL_TYPES | DMGL_GNU_V3};
+
+const char* info_string(const zdb_addr_info& info, uint32_t offset) {
+    return offset < info.text.size() ? info.text.c_str() + offset : "";
+}
+
+void print_tool_answer(out_buffer& out, const cross_tool_answer& a) {
+    if (a.function.starts_with("??") && a.position.starts_with("??")) out.put('\n');
+    else out_printf(out, "%s   %s  \n", a.position.c_str(), a.function.c_str());
+}
+
+void tell_tool_missing() {
+    static bool told = false;
+    if (told) return;
+    told = true;
+    std::fprintf(stderr, "krd: cross tool %s not found, addresses are translated in process\n", CROSS_TOOL_NAME);
+}
+
+}  // namespace
+
+void print_in_process(out_buffer& out, zdb_file* file, uint32_t lookup, uint32_t demangle_style) {
+    zdb_addr_result r = file ? zdb_translate_addr(file, lookup) : nullptr;
+    if (r) {
+        const char* a = info_string(*r, r->path_a_offset);
+        const char* b = info_string(*r, r->path_b_offset);
+        if (*a && *b) {
+            // The two readers store directory and file in opposite order.
+            const char* dir = *a == '/' ? a : b;
+            const char* name = dir == a ? b : a;
+            out_printf(out, "%s/%s:%d  ", dir, name, int(r->line));
+        } else if (*b) {
+            out_printf(out, "%s:%d  ", b, int(r->line));
+        } else {
+            out_printf(out, "??:0  ");
+        }
+        if (r->function_offset != 0) {
+            const char* raw = info_string(*r, r->function_offset);
+            char* demangled = nullptr;
+            if (demangle_style >= 1 && demangle_style <= 2)
+                demangled = cplus_demangle_v3(raw, demangle_options[demangle_style]);
+            out_printf(out, "%s", demangled ? demangled : raw);
+            std::free(demangled);
+        }
+    }
+    out.put('\n');
+}
+
+void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, uint32_t addr,
+                      const krd_options* options, const char* product_id) {
+    const load_module* lm = find_load_module(list, addr);
+    const bool have_symbol_file = options->symbol_file != nullptr;
+    if (!lm && !have_symbol_file) {
+        if (addr >= SYSCALL_FIRST && addr <= SYSCALL_LAST) out_printf(out, "%45s  ", "System call");
+        out.put('\n');
+        return;
+    }
+
+    const uint32_t module_addr = lm ? addr - lm->code_start + LM_LINK_BASE : 0;
+    zdb_file* in_use = symbols;
+    uint32_t lookup;
+    if (!have_symbol_file) {
+        lookup = lm->absolute ? addr : module_addr;
+        if (lm->symbols) in_use = lm->symbols.get();
+    } else if (options->symbol_offset != 0) {
+        lookup = addr - options->symbol_offset;
+    } else if (lm) {
+        lookup = lm->absolute ? addr : module_addr;
+    } else {
+        lookup = addr;
+    }
+
+    // An address outside the file's code may still be the module's own.
+    if (in_use && in_use->base && lm && !zdb_elf_translate_addr(in_use, lookup)) {
+        if (!have_symbol_file || lm->name == product_id) lookup = module_addr;
+    }
+
+    if (lm) out_printf(out, "[%08x],%-22s ", lookup, lm->name.c_str());
+
+    if (have_symbol_file || !lm->elf_path.empty()) {
+        const std::string file = have_symbol_file ? std::string(options->symbol_file) : lm->elf_path;
+        if (!cross_tool_path().empty()) {
+            print_tool_answer(out, cross_tool_translate(file, lookup));
+            return;
+        }
+        tell_tool_missing();
+    }
+    print_in_process(out, in_use, lookup, options->demangle_style);
+}
+
+void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
+                   const char* product_id) {
+    auto out = std::make_unique<out_buffer>(stream);
+    print_address_to(*out, symbols, list, addr, options, product_id ? product_id : "");
+}
+
+namespace {
+
+// What print_pc_addr keeps between its calls in one run: the dump's load
+// module list and the open -e file. Both are what a fresh read would give.
+struct pc_addr_cache {
+    const krd_file* dump = nullptr;
+    std::string dump_name;
+    uint32_t dump_size = 0, dump_id = 0, time_sec = 0, time_usec = 0;
+    lm_table list;
+    bool have_symbols = false;
+    std::string symbol_file;
+    zdb_file symbols;
+};
+
+pc_addr_cache& cache() {
+    static pc_addr_cache c;
+    return c;
+}
+
+bool same_dump(const pc_addr_cache& c, const krd_file* f) {
+    return c.dump == f && c.dump_name == f->name && c.dump_size == f->size && c.dump_id == f->dump_id &&
+           c.time_sec == f->time_sec && c.time_usec == f->time_usec;
+}
+
+}  // namespace
+
+void print_pc_addr_release() {
+    pc_addr_cache& c = cache();
+    if (c.have_symbols) zdb_close_file(&c.symbols);
+    c.have_symbols = false;
+    c.list.reset();
+    c.dump = nullptr;
+}
+
+void print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
+    pc_addr_cache& c = cache();
+    const char* wanted = options->symbol_file;
+    if (!same_dump(c, f) || c.have_symbols != (wanted != nullptr) || (wanted && c.symbol_file != wanted)) {
+        print_pc_addr_release();
+        c.dump = f;
+        c.dump_name = f->name;
+        c.dump_size = f->size;
+        c.dump_id = f->dump_id;
+        c.time_sec = f->time_sec;
+        c.time_usec = f->time_usec;
+        zdb_open_file(&c.symbols, wanted);
+        c.have_symbols = wanted != nullptr;
+        c.symbol_file = wanted ? wanted : "";
+        c.list = parse_lm_table(f);
+    }
+    print_address(stream, &c.symbols, c.list.get(), addr, options, "");
+}

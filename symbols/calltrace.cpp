@@ -1,0 +1,89 @@
+// The call trace after the report: per process the address registers
+// translated, then the stack walked along the back chain.
+#include <unistd.h>
+
+#include <memory>
+
+#include "render/text_search.h"
+#include "symbols/address_print.h"
+#include "symbols/calltrace.h"
+#include "symbols/cross_tool.h"
+#include "symbols/stack_walk.h"
+#include "symbols/trace_out.h"
+
+namespace {
+
+struct trace_context {
+    zdb_file* symbols;
+    const lm_list* list;
+    const std::vector<stack_image>* images;
+    const krd_options* options;
+    const char* product_id;
+};
+
+struct register_key {
+    const char* key;
+    const char* format;
+};
+constexpr register_key address_registers[] = {
+    {"PC", "  PC  = %08x  "},
+    {"RA", "  RA  = %08x  "},
+    {"LR", "  LR  = %08x  "},
+    {"DAR", "  DAR = %08x  "},
+};
+
+void print_one_trace(out_buffer& out, const trace_context& ctx, const register_set& set) {
+    auto print_addr = [&ctx](out_buffer& o, uint32_t addr) {
+        print_address_to(o, ctx.symbols, ctx.list, addr, ctx.options, ctx.product_id);
+    };
+    out_printf(out, "\n\n[%s]\n\n", set.title.c_str());
+    if (!ctx.list) out_printf(out, "  info: cannot find load module information in pmd file\n");
+    if (ctx.images->empty()) out_printf(out, "  info: cannot find call stack information in pmd file\n");
+    out_printf(out, "  Translation of address registers:\n");
+    for (const register_key& r : address_registers) {
+        uint32_t value;
+        if (!find_register(set.text, r.key, &value)) continue;
+        out_printf(out, r.format, value);
+        print_addr(out, value);
+    }
+    out_printf(out, "\n  Stacktrace : \n");
+    uint32_t sp = 0;
+    if (find_register(set.text, "R1", &sp) && sp != 0) {
+        out_printf(out, "  Using stackpointer  : %08x\n", sp);
+        print_stack_walk(out, *ctx.images, sp, print_addr);
+    }
+    out.put('\n');
+}
+
+}  // namespace
+
+void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
+    zdb_file symbols;
+    zdb_open_file(&symbols, options->symbol_file);
+    std::string product_id;
+    if (options->symbol_file && access(options->symbol_file, F_OK) == 0) product_id = lm_product_id(options->symbol_file);
+
+    lm_table list = parse_lm_table(f);
+    std::vector<stack_image> images = read_stack_images(f);
+    attach_symbols_lm_table(list.get(), options);
+
+    std::vector<register_set> sets;
+    if (options->stack_pointer != 0) sets.push_back(user_register_set(options->stack_pointer));
+    else sets = read_register_sets(f);
+
+    {
+        auto out = std::make_unique<out_buffer>(stream);
+        if (sets.empty()) {
+            out_printf(*out, "  [CALLTRACE]\n\n  info: cannot find CPU register information in pmd file\n");
+        } else {
+            trace_context ctx{&symbols, list.get(), &images, options, product_id.c_str()};
+            for (const register_set& set : sets)
+                if (xstrcasestr(set.title.c_str(), options->section_filter)) print_one_trace(*out, ctx, set);
+        }
+    }
+
+    list.reset();
+    zdb_close_file(&symbols);
+    print_pc_addr_release();
+    cross_tool_close_all();
+}

@@ -1,0 +1,40 @@
+// Stack images and register sets of the dump, and the walk along the back chain.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "pmd/krd_file.h"
+#include "render/out_buffer.h"
+#include "symbols/load_module.h"
+
+inline constexpr size_t CALLTRACE_TITLE_MAX = 127;
+// No real stack is this deep; a chain that goes on is corrupt.
+inline constexpr int STACK_WALK_MAX_FRAMES = 1000;
+
+struct stack_image {
+    std::string title;
+    uint32_t start = 0;  // target address of the first byte
+    uint32_t size = 0;
+    std::vector<uint8_t> data;  // size bytes
+};
+
+struct register_set {
+    std::string title;  // heading of the process's trace
+    std::string text;   // "name=value" tokens
+};
+
+std::vector<stack_image> read_stack_images(krd_file* f);
+std::vector<register_set> read_register_sets(krd_file* f);
+register_set user_register_set(uint32_t stack_pointer);
+// The hexadecimal value behind the first "=" after the key's first occurrence.
+bool find_register(const std::string& text, const char* key, uint32_t* value);
+const stack_image* find_stack_frame(const std::vector<stack_image>& images, uint32_t sp);
+
+// Prints the frames from sp on; each saved link register goes to print_addr,
+// which ends the line.
+using address_printer = std::function<void(out_buffer& out, uint32_t addr)>;
+void print_stack_walk(out_buffer& out, const std::vector<stack_image>& images, uint32_t sp,
+                      const address_printer& print_addr);

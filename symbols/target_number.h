@@ -1,0 +1,17 @@
+// strtoul as the target's 32-bit long reads a number: a value too large
+// becomes 0xFFFFFFFF, a negative one wraps modulo 2^32.
+#pragma once
+
+#include <cctype>
+#include <cstdint>
+#include <cstdlib>
+
+inline uint32_t strtoul32(const char* s, int base) {
+    while (std::isspace(uint8_t(*s))) s++;
+    bool negative = *s == '-';
+    if (*s == '-' || *s == '+') s++;
+    if (*s == '-' || *s == '+') return 0;
+    unsigned long long v = std::strtoull(s, nullptr, base);
+    if (v > 0xFFFFFFFFull) return 0xFFFFFFFFu;
+    return negative ? uint32_t(0u - uint32_t(v)) : uint32_t(v);
+}
