@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+#include "pmd/tests/dump_fixture.h"
+#include "symbols/stack_walk.h"
+
+namespace {
+
+stack_image image(uint32_t start, std::vector<uint32_t> words) {
+    stack_image img;
+    img.start = start;
+    for (uint32_t w : words) put_u32(img.data, w);
+    img.size = uint32_t(img.data.size());
+    return img;
+}
+
+// The walk as text; each link register shows as "<lr>".
+std::string walk(const std::vector<stack_image>& images, uint32_t sp) {
+    char* buf = nullptr;
+    size_t len = 0;
+    FILE* f = open_memstream(&buf, &len);
+    {
+        out_buffer out(f);
+        print_stack_walk(out, images, sp, [](out_buffer& o, uint32_t addr) {
+            char line[32];
+            int n = std::snprintf(line, sizeof line, "<%x>\n", addr);
+            o.put(line, size_t(n));
+        });
+    }
+    std::fclose(f);
+    std::string s(buf, len);
+    free(buf);
+    return s;
+}
+
+std::string frame(uint32_t back_chain, uint32_t lr) {
+    char text[96];
+    std::snprintf(text, sizeof text, "\n  Back chain word     : %08x\n        %08x  <%x>\n", back_chain, lr, lr);
+    return text;
+}
+
+TEST(FindRegister, FirstOccurrenceAndTheEqualsBehindIt) {
+    uint32_t v = 0;
+    EXPECT_TRUE(find_register("R0=1 R1=00200010 R10=5", "R1", &v));
+    EXPECT_EQ(v, 0x200010u);
+    EXPECT_TRUE(find_register("R10=5 R1=7", "R1", &v));  // R10 stands first
+    EXPECT_EQ(v, 5u);
+    EXPECT_TRUE(find_register("LR = 0x1234", "LR", &v));
+    EXPECT_EQ(v, 0x1234u);
+    EXPECT_TRUE(find_register("PC=zz", "PC", &v));
+    EXPECT_EQ(v, 0u);
+    EXPECT_TRUE(find_register("PC=123456789", "PC", &v));
+    EXPECT_EQ(v, 0xFFFFFFFFu);
+    EXPECT_FALSE(find_register("R0=1 R2=3", "LR", &v));
+    EXPECT_FALSE(find_register("R0=1 DAR", "DAR", &v));  // no "=" behind the key
+    EXPECT_FALSE(find_register("", "PC", &v));
+}
+
+TEST(UserRegisterSet, TitleAndText) {
+    register_set s = user_register_set(0xABC);
+    EXPECT_EQ(s.title, "CALLTRACE FOR USER SUPPLIED STACKPOINTER=0x00000abc");
+    EXPECT_EQ(s.text, "R1=00000ABC ");
+}
+
+TEST(FindStackFrame, FirstImageWithTheEndIncluded) {
+    std::vector<stack_image> images = {image(0x1000, {0, 0, 0, 0}), image(0x1008, {0, 0, 0, 0})};
+    EXPECT_EQ(find_stack_frame(images, 0xFFF), nullptr);
+    EXPECT_EQ(find_stack_frame(images, 0x1000), &images[0]);
+    EXPECT_EQ(find_stack_frame(images, 0x1010), &images[0]);
+    EXPECT_EQ(find_stack_frame(images, 0x1011), &images[1]);
+    EXPECT_EQ(find_stack_frame(images, 0x1019), nullptr);
+    std::vector<stack_image> top = {image(0xFFFFFFF8, {1, 2})};
+    EXPECT_EQ(find_stack_frame(top, 0xFFFFFFFF), &top[0]);
+}
+
+TEST(StackWalk, FollowsTheChainAcrossImages) {
+    std::vector<stack_image> images = {
+        image(0x1000, {0, 0, 0x2000, 0x10000100}),  // frame at 0x1008 leads to the second image
+        image(0x2000, {0x2008, 0x10000200, 0, 0x10000300}),
+    };
+    EXPECT_EQ(walk(images, 0x1008),
+              frame(0x2000, 0x10000100) + frame(0x2008, 0x10000200) + frame(0, 0x10000300));
+    EXPECT_EQ(walk(images, 0x3000), "");
+}
+
+TEST(StackWalk, StopsWhereTheWordsWouldPassTheImage) {
+    std::vector<stack_image> images = {image(0x1000, {0x1004, 0x11, 0x22})};
+    // 0x1004 leaves 8 bytes; 0x1008 only 4, 0x100C none: the walk ends quietly.
+    EXPECT_EQ(walk(images, 0x1004), frame(0x11, 0x22));
+    EXPECT_EQ(walk(images, 0x1008), "");
+    EXPECT_EQ(walk(images, 0x100C), "");
+    stack_image empty;
+    empty.start = 0x5000;
+    EXPECT_EQ(walk({empty}, 0x5000), "");
+}
+
+TEST(StackWalk, LoopsAndEndlessChainsStop) {
+    std::vector<stack_image> self = {image(0x1000, {0x1000, 0x42})};
+    EXPECT_EQ(walk(self, 0x1000), frame(0x1000, 0x42) + "\n  Stack walk stopped: the back chain loops to 00001000\n");
+    std::vector<stack_image> pair = {image(0x1000, {0x1008, 1, 0x1000, 2})};
+    EXPECT_EQ(walk(pair, 0x1000),
+              frame(0x1008, 1) + frame(0x1000, 2) + "\n  Stack walk stopped: the back chain loops to 00001000\n");
+    // Every word leads to the next: a chain longer than any real stack.
+    std::vector<uint32_t> words;
+    for (uint32_t i = 0; i < 3000; i++) words.push_back(0x1000 + 4 * (i + 1));
+    std::string out = walk({image(0x1000, words)}, 0x1000);
+    std::string tail = "\n  Stack walk stopped after 1000 frames\n";
+    ASSERT_GE(out.size(), tail.size());
+    EXPECT_EQ(out.substr(out.size() - tail.size()), tail);
+}
+
+pmd_section stack_section(const std::string& title, uint32_t address, std::vector<uint32_t> words) {
+    pmd_section s;
+    s.kind = pmd_kind::memory;
+    s.title = title;
+    s.address = address;
+    for (uint32_t w : words) put_u32(s.payload, w);
+    return s;
+}
+
+TEST(ReadStackImages, TitlesChainsAndWhatIsPassedOver) {
+    pmd_dump d;
+    d.sections.push_back(stack_section("PMD stack of main", 0x100, {1, 2}));
+    d.sections.push_back(stack_section("PMD stack of main", 0x900, {3}));  // same title: one chain
+    d.sections.push_back(stack_section("pmd stack", 0x200, {4}));          // the prefixes compare with case
+    d.sections.push_back(stack_section("Stack for pid 0x10001", 0x300, {5}));
+    d.sections.push_back(stack_section("Supervisor stack", 0x400, {6}));
+    d.sections.push_back(stack_section("USER STACKS " + std::string(200, 'x'), 0x500, {7}));
+    d.sections.push_back(stack_section("EMPTY STACK", 0x600, {}));
+    pmd_section text;
+    text.kind = pmd_kind::text;
+    std::string body = "SUPERVISOR STACK\n0000\n";
+    text.payload.assign(body.begin(), body.end());
+    d.sections.push_back(text);
+    dump_fixture fx(d);
+    std::vector<stack_image> images = read_stack_images(fx.f());
+    ASSERT_EQ(images.size(), 5u);
+    EXPECT_EQ(images[0].title, "PMD stack of main");
+    EXPECT_EQ(images[0].start, 0x100u);
+    EXPECT_EQ(images[0].size, 12u);
+    EXPECT_EQ(images[0].data, (bytes{0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 3}));
+    EXPECT_EQ(images[1].start, 0x300u);
+    EXPECT_EQ(images[2].start, 0x400u);
+    EXPECT_EQ(images[3].title.size(), CALLTRACE_TITLE_MAX);
+    EXPECT_EQ(images[4].title, "EMPTY STACK");
+    EXPECT_EQ(images[4].size, 0u);
+}
+
+TEST(ReadRegisterSets, BothTitlesAndTheirOrder) {
+    pmd_dump d;
+    d.sections.push_back(memory_section("CPU registers for pid 0x00010002", "R1=2"));
+    d.sections.push_back(memory_section("REGISTERS FOR PROCESS main", std::string("R1=1\0R1=9", 9)));
+    pmd_section block;
+    block.kind = pmd_kind::reg;
+    block.title = "REGISTERS FOR PROCESS block";
+    block.registers.push_back({"pc", 1});
+    d.sections.push_back(block);
+    d.sections.push_back(memory_section("CPU registers for pid 0x00010003", "R1=3"));
+    dump_fixture fx(d);
+    std::vector<register_set> sets = read_register_sets(fx.f());
+    // The "REGISTERS FOR PROCESS " sections come first; the search for the
+    // other title goes on from behind them. A register block has no payload.
+    ASSERT_EQ(sets.size(), 2u);
+    EXPECT_EQ(sets[0].title, "CALLTRACE FOR PROCESS main");
+    EXPECT_EQ(sets[0].text, "R1=1");
+    EXPECT_EQ(sets[1].title, "CALLTRACE FOR PROCESS 0x00010003");
+    EXPECT_EQ(sets[1].text, "R1=3");
+}
+
+}  // namespace
