@@ -107,6 +107,30 @@ TEST(SectionChain, FindBySubstringLeavesCursorOnMiss) {
     EXPECT_FALSE(krd_find_section(f.f(), nullptr, "process list"));  // case matters here
 }
 
+TEST(SectionChain, RepeatedSideLookupsGiveTheSameChains) {
+    pmd_dump d;
+    d.sections.push_back(memory_section("A", "x"));
+    d.sections.push_back(memory_section("SYSTEM PARAMETERS", "p1"));
+    d.sections.push_back(memory_section("SYSTEM PARAMETERS", "p2"));
+    d.sections.push_back(memory_section("B", "x"));
+    dump_fixture f(d);
+    for (int round = 0; round < 3; round++) {
+        krd_chain c = krd_find_section(f.f(), nullptr, "SYSTEM PARAM");
+        ASSERT_TRUE(c);
+        EXPECT_EQ(c->title, "SYSTEM PARAMETERS");
+        ASSERT_TRUE(c->next);
+        EXPECT_FALSE(c->next->next);
+        EXPECT_FALSE(krd_find_section(f.f(), nullptr, "MISSING"));
+        uint32_t cursor = 0;
+        ASSERT_TRUE(krd_find_section(f.f(), &cursor, "SYSTEM PARAM"));
+        krd_chain b = krd_get_section(f.f(), &cursor);
+        ASSERT_TRUE(b);
+        EXPECT_EQ(b->title, "B");
+        // From a later cursor the earlier sections are not found.
+        EXPECT_FALSE(krd_find_section(f.f(), &cursor, "A"));
+    }
+}
+
 TEST(SectionChain, DamagedSectionsEndTheWalkSilently) {
     pmd_dump d;
     d.sections.push_back(memory_section("A", "x"));
