@@ -28,6 +28,19 @@ void zdb_sort_symbols(zdb_file* file) {
     file->symbols = std::move(index);
 }
 
+// The first entry above the address, by halving. Written out rather than
+// std::upper_bound: an index sorted under one file's byte order may be read
+// under another's, and this stays well-defined on any order.
+size_t first_above(const std::vector<const uint8_t*>& index, uint32_t addr) {
+    size_t low = 0, high = index.size();
+    while (low < high) {
+        size_t mid = low + (high - low) / 2;
+        if (zdb_st_value(index[mid]) > addr) high = mid;
+        else low = mid + 1;
+    }
+    return low;
+}
+
 }  // namespace
 
 zdb_addr_result zdb_elf_translate_addr(zdb_file* file, uint32_t addr) {
@@ -38,10 +51,9 @@ zdb_addr_result zdb_elf_translate_addr(zdb_file* file, uint32_t addr) {
 
     if (!file->symbols) zdb_sort_symbols(file);
     const auto& index = *file->symbols;
-    auto above = std::upper_bound(index.begin(), index.end(), addr,
-                                  [](uint32_t a, const uint8_t* sym) { return a < zdb_st_value(sym); });
-    if (above == index.begin()) return nullptr;
-    const uint8_t* sym = *(above - 1);
+    size_t above = first_above(index, addr);
+    if (above == 0) return nullptr;
+    const uint8_t* sym = index[above - 1];
 
     auto info = std::make_unique<zdb_addr_info>();
     info->function_offset =
