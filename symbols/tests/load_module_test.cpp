@@ -231,25 +231,6 @@ TEST(LoadModuleTable, ReadFromTheDump) {
     }
 }
 
-TEST(LoadModuleTable, AttachByProductIdOrFileName) {
-    lm_table t = parse("Load module id: LQZ3_R1A\nLoad module id: NOFILE_R1A\n");
-    krd_options options;
-    options.mapping_files[0] = "/nonexistent/LQZ3_R1A.elf";
-    options.mapping_files[1] = "/nonexistent/NOFILE_R1A.elf";
-    options.mapping_count = 2;
-    attach_symbols_lm_table(t.get(), &options);  // missing files are passed over
-    EXPECT_EQ((*t)[0].elf_path, "");
-    EXPECT_FALSE((*t)[0].symbols);
-    // A file whose id matches no record is ignored without opening it.
-    std::string path = temp_path("UNKNOWN_R1A.elf");
-    pmd_write_file(path, {'n', 'o', 't', ' ', 'E', 'L', 'F'});
-    options.mapping_files[0] = path.c_str();
-    options.mapping_count = 1;
-    attach_symbols_lm_table(t.get(), &options);
-    EXPECT_EQ((*t)[0].elf_path, "");
-    unlink(path.c_str());
-}
-
 TEST(LoadModuleTableDeathTest, MatchedFileThatIsNoElfEndsTheRun) {
     std::string dir = temp_path("attach");
     mkdir(dir.c_str(), 0700);
