@@ -76,7 +76,8 @@ TEST(Details, FixedTextsFollowEitherForm) {
 
 TEST(Details, HeapShortForms) {
     // Four bytes: no information, whatever they hold.
-    EXPECT_TRUE(ends_with(print_data(0x00820101, 1, {1, 2, 3, 4}), "resized.\n\n       No heap buffer information exists.\n"));
+    EXPECT_TRUE(ends_with(print_data(0x00820101, 1, {1, 2, 3, 4}),
+                          "resized.\n\n       No heap buffer information exists.\n"));
     std::vector<uint8_t> dead = words({0xDEADEAD});
     dead.resize(60);
     EXPECT_NE(print_data(0x00820101, 1, dead).find("No heap buffer information exists."), std::string::npos);
@@ -148,7 +149,8 @@ TEST(Details, RegisterDumpWithoutMarker) {
               "\n       CPU Register Dump:\n"
               "Dump corrupt.\n");
     // A vector outside the table prints no line of its own.
-    EXPECT_TRUE(ends_with(print_data(0x04500113, 0, d), "subcode field.\n\n       CPU Register Dump:\nDump corrupt.\n"));
+    EXPECT_TRUE(ends_with(print_data(0x04500113, 0, d),
+                          "subcode field.\n\n       CPU Register Dump:\nDump corrupt.\n"));
 }
 
 TEST(Details, RegisterFrame) {
