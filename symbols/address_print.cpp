@@ -59,46 +59,58 @@ void print_in_process(out_buffer& out, zdb_file* file, uint32_t lookup, uint32_t
     out.put('\n');
 }
 
-void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, uint32_t addr,
-                      const krd_options* options, const char* product_id) {
-    const load_module* lm = find_load_module(list, addr);
+address_plan plan_address(zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
+                          const char* product_id) {
+    address_plan plan;
+    plan.lm = find_load_module(list, addr);
+    const load_module* lm = plan.lm;
     const bool have_symbol_file = options->symbol_file != nullptr;
     if (!lm && !have_symbol_file) {
-        if (addr >= SYSCALL_FIRST && addr <= SYSCALL_LAST) out_printf(out, "%45s  ", "System call");
-        out.put('\n');
-        return;
+        plan.system_call = addr >= SYSCALL_FIRST && addr <= SYSCALL_LAST;
+        plan.nothing_to_ask = true;
+        return plan;
     }
 
     const uint32_t module_addr = lm ? addr - lm->code_start + LM_LINK_BASE : 0;
-    zdb_file* in_use = symbols;
-    uint32_t lookup;
+    plan.in_use = symbols;
     if (!have_symbol_file) {
-        lookup = lm->absolute ? addr : module_addr;
-        if (lm->symbols) in_use = lm->symbols.get();
+        plan.lookup = lm->absolute ? addr : module_addr;
+        if (lm->symbols) plan.in_use = lm->symbols.get();
     } else if (options->symbol_offset != 0) {
-        lookup = addr - options->symbol_offset;
+        plan.lookup = addr - options->symbol_offset;
     } else if (lm) {
-        lookup = lm->absolute ? addr : module_addr;
+        plan.lookup = lm->absolute ? addr : module_addr;
     } else {
-        lookup = addr;
+        plan.lookup = addr;
     }
 
     // An address outside the file's code may still be the module's own.
-    if (in_use && in_use->base && lm && !zdb_elf_translate_addr(in_use, lookup)) {
-        if (!have_symbol_file || lm->name == product_id) lookup = module_addr;
+    if (plan.in_use && plan.in_use->base && lm && !zdb_elf_translate_addr(plan.in_use, plan.lookup)) {
+        if (!have_symbol_file || lm->name == product_id) plan.lookup = module_addr;
     }
 
-    if (lm) out_printf(out, "[%08x],%-22s ", lookup, lm->name.c_str());
+    if (have_symbol_file) plan.tool_file = options->symbol_file;
+    else plan.tool_file = lm->elf_path;
+    return plan;
+}
 
-    if (have_symbol_file || !lm->elf_path.empty()) {
-        const std::string file = have_symbol_file ? std::string(options->symbol_file) : lm->elf_path;
+void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, uint32_t addr,
+                      const krd_options* options, const char* product_id) {
+    const address_plan plan = plan_address(symbols, list, addr, options, product_id);
+    if (plan.nothing_to_ask) {
+        if (plan.system_call) out_printf(out, "%45s  ", "System call");
+        out.put('\n');
+        return;
+    }
+    if (plan.lm) out_printf(out, "[%08x],%-22s ", plan.lookup, plan.lm->name.c_str());
+    if (!plan.tool_file.empty()) {
         if (!cross_tool_path().empty()) {
-            print_tool_answer(out, cross_tool_translate(file, lookup));
+            print_tool_answer(out, cross_tool_translate(plan.tool_file, plan.lookup));
             return;
         }
         tell_tool_missing();
     }
-    print_in_process(out, in_use, lookup, options->demangle_style);
+    print_in_process(out, plan.in_use, plan.lookup, options->demangle_style);
 }
 
 void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,

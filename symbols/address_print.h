@@ -2,10 +2,22 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "render/out_buffer.h"
 #include "symbols/calltrace.h"
 
+// What an address comes to: its module, the address asked for, and where.
+struct address_plan {
+    const load_module* lm = nullptr;
+    bool nothing_to_ask = false;  // no module and no -e file
+    bool system_call = false;
+    uint32_t lookup = 0;
+    zdb_file* in_use = nullptr;
+    std::string tool_file;  // the file the tool is asked about, if any
+};
+address_plan plan_address(zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
+                          const char* product_id);
 void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, uint32_t addr,
                       const krd_options* options, const char* product_id);
 // Position and function as the in-process translator gives them; ends the line.

@@ -55,6 +55,27 @@ void print_one_trace(out_buffer& out, const trace_context& ctx, const register_s
     out.put('\n');
 }
 
+// Every address the traces will ask the tool for, asked in one go per file.
+void prefetch_answers(const trace_context& ctx, const std::vector<register_set>& sets) {
+    if (cross_tool_path().empty()) return;
+    std::vector<cross_tool_request> requests;
+    auto want = [&](uint32_t addr) {
+        address_plan plan = plan_address(ctx.symbols, ctx.list, addr, ctx.options, ctx.product_id);
+        if (!plan.tool_file.empty()) requests.push_back({plan.tool_file, plan.lookup});
+    };
+    for (const register_set& set : sets) {
+        if (!xstrcasestr(set.title.c_str(), ctx.options->section_filter)) continue;
+        uint32_t value;
+        for (const register_key& r : address_registers)
+            if (find_register(set.text, r.key, &value)) want(value);
+        if (find_register(set.text, "R1", &value) && value != 0) {
+            uint32_t end_sp;
+            walk_stack(*ctx.images, value, [&](const stack_frame& fr) { want(fr.saved_lr); }, &end_sp);
+        }
+    }
+    cross_tool_prefetch(requests);
+}
+
 }  // namespace
 
 void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
@@ -77,6 +98,7 @@ void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
             out_printf(*out, "  [CALLTRACE]\n\n  info: cannot find CPU register information in pmd file\n");
         } else {
             trace_context ctx{&symbols, list.get(), &images, options, product_id.c_str()};
+            prefetch_answers(ctx, sets);
             for (const register_set& set : sets)
                 if (xstrcasestr(set.title.c_str(), options->section_filter)) print_one_trace(*out, ctx, set);
         }

@@ -3,6 +3,7 @@
 #include "symbols/cross_tool.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <map>
 
 extern char** environ;
@@ -22,14 +24,22 @@ namespace {
 struct tool_process {
     pid_t pid = -1;
     int to_tool = -1;
-    FILE* from_tool = nullptr;
-    bool dead = false;  // never started, or gone: every answer is empty
+    int from_tool = -1;
+    std::string pending;  // read and not yet taken as a line
+    bool dead = true;     // not started, or gone
+};
+
+struct tool_file {
+    tool_process process;
+    int fruitless = 0;      // fresh processes in a row that answered nothing
+    bool given_up = false;  // a tool that cannot answer is not started for every address
+    std::map<uint32_t, cross_tool_answer> answers;
 };
 
 struct tool_state {
     bool looked_up = false;
     std::string path;
-    std::map<std::string, tool_process> processes;  // by symbol file
+    std::map<std::string, tool_file> files;
     bool exit_hook = false;
 };
 
@@ -47,7 +57,7 @@ bool is_executable_file(const std::string& path) {
 
 void end_process(tool_process& p) {
     if (p.to_tool >= 0) close(p.to_tool);
-    if (p.from_tool) std::fclose(p.from_tool);
+    if (p.from_tool >= 0) close(p.from_tool);
     if (p.pid > 0) {
         int status;
         while (waitpid(p.pid, &status, 0) < 0 && errno == EINTR) {
@@ -58,7 +68,6 @@ void end_process(tool_process& p) {
 
 tool_process start_process(const std::string& tool, const std::string& elf_file) {
     tool_process p;
-    p.dead = true;
     int in[2], out[2];
     if (pipe2(in, O_CLOEXEC) != 0) return p;
     if (pipe2(out, O_CLOEXEC) != 0) {
@@ -74,7 +83,7 @@ tool_process start_process(const std::string& tool, const std::string& elf_file)
     std::string file = elf_file, name = tool;
     char* argv[] = {name.data(), e.data(), file.data(), f.data(), c.data(), nullptr};
     pid_t pid;
-    int rc = posix_spawn(&pid, tool.c_str(), &actions, nullptr, argv, environ);
+    int rc = tool.empty() ? ENOENT : posix_spawn(&pid, tool.c_str(), &actions, nullptr, argv, environ);
     posix_spawn_file_actions_destroy(&actions);
     close(in[0]);
     close(out[1]);
@@ -83,60 +92,130 @@ tool_process start_process(const std::string& tool, const std::string& elf_file)
         close(out[0]);
         return p;
     }
+    // Requests are written while answers are read: the writes must not block.
+    fcntl(in[1], F_SETFL, fcntl(in[1], F_GETFL) | O_NONBLOCK);
     p.pid = pid;
     p.to_tool = in[1];
-    p.from_tool = fdopen(out[0], "r");
-    if (!p.from_tool) {
-        close(out[0]);
-        end_process(p);
-        p.dead = true;
-        return p;
-    }
+    p.from_tool = out[0];
     p.dead = false;
     return p;
 }
 
-// A tool that has gone away must not end us with SIGPIPE.
-bool write_all(int fd, const char* text, size_t n) {
+// The next complete line of the tool's output, without its newline.
+bool take_line(tool_process& p, std::string* line) {
+    size_t nl = p.pending.find('\n');
+    if (nl == std::string::npos) return false;
+    line->assign(p.pending, 0, nl);
+    p.pending.erase(0, nl + 1);
+    return true;
+}
+
+// Writes the requests and reads two lines per address until all are answered
+// or the tool goes. Returns how many were answered; a last one may be half
+// answered in *half_line.
+size_t run_batch(tool_process& p, const std::vector<uint32_t>& lookups, std::vector<cross_tool_answer>* answers,
+                 std::string* half_line, bool* half) {
+    *half = false;
+    if (p.to_tool < 0 || p.from_tool < 0) {
+        p.dead = true;
+        return 0;
+    }
+    std::string requests;
+    for (uint32_t a : lookups) {
+        char text[16];
+        int n = std::snprintf(text, sizeof text, "0x%08x\n", a);
+        requests.append(text, size_t(n));
+    }
+    size_t written = 0;
+    std::string first, second;
+    bool have_first = false;
+    while (answers->size() < lookups.size()) {
+        pollfd fds[2] = {{p.from_tool, POLLIN, 0}, {written < requests.size() ? p.to_tool : -1, POLLOUT, 0}};
+        if (poll(fds, 2, -1) < 0) {
+            if (errno == EINTR) continue;
+            break;
+        }
+        if (fds[1].revents & (POLLOUT | POLLERR | POLLHUP)) {
+            ssize_t w = write(p.to_tool, requests.data() + written, requests.size() - written);
+            if (w > 0) written += size_t(w);
+            else if (w < 0 && errno != EAGAIN && errno != EINTR) written = requests.size();  // gone: read what came
+        }
+        if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
+            char buf[1 << 14];
+            ssize_t r = read(p.from_tool, buf, sizeof buf);
+            if (r < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+            if (r <= 0) break;
+            p.pending.append(buf, size_t(r));
+            std::string line;
+            while (answers->size() < lookups.size() && take_line(p, &line)) {
+                if (!have_first) {
+                    first = line;
+                    have_first = true;
+                } else {
+                    answers->push_back(cross_tool_cut_answer(first, line, 2));
+                    have_first = false;
+                }
+            }
+        }
+    }
+    if (answers->size() < lookups.size()) {
+        p.dead = true;
+        *half = have_first;
+        *half_line = first;
+    }
+    return answers->size();
+}
+
+// Asks the tool of one file for addresses it has not answered yet. A tool
+// that goes away is started anew for the rest, as a run per address would be.
+void ask_file(const std::string& elf_file, tool_file& tf, std::vector<uint32_t> lookups) {
     sigset_t pipe_set, old;
     sigemptyset(&pipe_set);
     sigaddset(&pipe_set, SIGPIPE);
     sigprocmask(SIG_BLOCK, &pipe_set, &old);
-    bool ok = true;
-    while (n > 0) {
-        ssize_t w = write(fd, text, n);
-        if (w < 0 && errno == EINTR) continue;
-        if (w <= 0) {
-            ok = false;
+    while (!lookups.empty()) {
+        bool fresh = false;
+        if (tf.process.dead) {
+            end_process(tf.process);
+            if (!tf.given_up) {
+                tf.process = start_process(cross_tool_path(), elf_file);
+                fresh = true;
+            }
+        }
+        std::vector<cross_tool_answer> answers;
+        std::string half_line;
+        bool half = false;
+        if (!tf.process.dead) run_batch(tf.process, lookups, &answers, &half_line, &half);
+        for (size_t i = 0; i < answers.size(); i++) tf.answers[lookups[i]] = answers[i];
+        if (answers.size() == lookups.size()) {
+            tf.fruitless = 0;
             break;
         }
-        text += w;
-        n -= size_t(w);
+        // The address the tool went away on gets what it printed of it.
+        tf.answers[lookups[answers.size()]] = cross_tool_cut_answer(half_line, "", half ? 1 : 0);
+        if (!answers.empty()) tf.fruitless = 0;
+        else if (fresh && ++tf.fruitless == 2) tf.given_up = true;
+        lookups.erase(lookups.begin(), lookups.begin() + long(answers.size()) + 1);
+        if (tf.given_up)
+            for (uint32_t a : lookups) tf.answers[a] = cross_tool_cut_answer("", "", 0);
+        if (tf.given_up) break;
     }
-    if (!ok && errno == EPIPE) {
-        sigset_t pending;
-        sigpending(&pending);
-        if (sigismember(&pending, SIGPIPE)) {
-            int sig;
-            sigwait(&pipe_set, &sig);
-        }
+    sigset_t pending;
+    sigpending(&pending);
+    if (sigismember(&pending, SIGPIPE)) {
+        int sig;
+        sigwait(&pipe_set, &sig);
     }
     sigprocmask(SIG_SETMASK, &old, nullptr);
-    return ok;
 }
 
-bool read_line(FILE* from, std::string* line) {
-    char* buf = nullptr;
-    size_t cap = 0;
-    ssize_t n = getline(&buf, &cap, from);
-    if (n < 0) {
-        std::free(buf);
-        return false;
+tool_file& file_state(const std::string& elf_file) {
+    tool_state& s = state();
+    if (!s.exit_hook) {
+        s.exit_hook = true;
+        std::atexit(cross_tool_close_all);
     }
-    line->assign(buf, size_t(n));
-    std::free(buf);
-    if (!line->empty() && line->back() == '\n') line->pop_back();
-    return true;
+    return s.files[elf_file];
 }
 
 }  // namespace
@@ -189,32 +268,32 @@ cross_tool_answer cross_tool_cut_answer(const std::string& first, const std::str
 }
 
 cross_tool_answer cross_tool_translate(const std::string& elf_file, uint32_t lookup) {
-    tool_state& s = state();
-    if (!s.exit_hook) {
-        s.exit_hook = true;
-        std::atexit(cross_tool_close_all);
+    tool_file& tf = file_state(elf_file);
+    auto hit = tf.answers.find(lookup);
+    if (hit == tf.answers.end()) {
+        ask_file(elf_file, tf, {lookup});
+        hit = tf.answers.find(lookup);
     }
-    auto it = s.processes.find(elf_file);
-    if (it == s.processes.end()) it = s.processes.emplace(elf_file, start_process(cross_tool_path(), elf_file)).first;
-    tool_process& p = it->second;
-    std::string first, second;
-    int lines = 0;
-    if (!p.dead) {
-        char request[16];
-        int n = std::snprintf(request, sizeof request, "0x%08x\n", lookup);
-        if (write_all(p.to_tool, request, size_t(n))) {
-            if (read_line(p.from_tool, &first)) lines++;
-            if (lines == 1 && read_line(p.from_tool, &second)) lines++;
-        }
-        if (lines < 2) p.dead = true;
+    return hit->second;
+}
+
+void cross_tool_prefetch(const std::vector<cross_tool_request>& requests) {
+    std::map<std::string, std::vector<uint32_t>> by_file;
+    for (const cross_tool_request& r : requests) {
+        tool_file& tf = file_state(r.elf_file);
+        if (!tf.answers.count(r.lookup)) by_file[r.elf_file].push_back(r.lookup);
     }
-    return cross_tool_cut_answer(first, second, lines);
+    for (auto& [file, lookups] : by_file) {
+        std::sort(lookups.begin(), lookups.end());
+        lookups.erase(std::unique(lookups.begin(), lookups.end()), lookups.end());
+        ask_file(file, file_state(file), lookups);
+    }
 }
 
 void cross_tool_close_all() {
     tool_state& s = state();
-    for (auto& [file, p] : s.processes) end_process(p);
-    s.processes.clear();
+    for (auto& [file, tf] : s.files) end_process(tf.process);
+    s.files.clear();
     s.looked_up = false;
     s.path.clear();
 }

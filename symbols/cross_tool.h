@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 // Where the tool is looked for, in this order: the site's cross-compiler tree,
 // then these names on PATH.
@@ -23,9 +24,19 @@ struct cross_tool_answer {
 const std::string& cross_tool_path();
 // A directory list search as `which` does it: an executable regular file.
 std::string cross_tool_search_path(const char* name, const char* path_list);
-// The tool's answer for one address as linked in the file.
+// The tool's answer for one address as linked in the file. An answer that
+// came with an earlier batch is not asked again: the tool's answers depend
+// on the file and the address alone.
 cross_tool_answer cross_tool_translate(const std::string& elf_file, uint32_t lookup);
-// Ends every tool process and forgets the tool's path.
+
+// Asks for many addresses at once: all are written to the tool while its
+// answers are read, instead of one round trip each.
+struct cross_tool_request {
+    std::string elf_file;
+    uint32_t lookup;
+};
+void cross_tool_prefetch(const std::vector<cross_tool_request>& requests);
+// Ends every tool process and forgets the tool's path and its answers.
 void cross_tool_close_all();
 // Cuts the tool's two lines as a reader of lines of up to 1022 characters would.
 cross_tool_answer cross_tool_cut_answer(const std::string& first, const std::string& second, int lines_read);

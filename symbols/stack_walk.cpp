@@ -94,29 +94,38 @@ const stack_image* find_stack_frame(const std::vector<stack_image>& images, uint
     return nullptr;
 }
 
-void print_stack_walk(out_buffer& out, const std::vector<stack_image>& images, uint32_t sp,
-                      const address_printer& print_addr) {
+walk_end walk_stack(const std::vector<stack_image>& images, uint32_t sp,
+                    const std::function<void(const stack_frame&)>& visit, uint32_t* end_sp) {
     std::unordered_set<uint32_t> seen;
     for (int frames = 0;; frames++) {
+        *end_sp = sp;
         const stack_image* img = find_stack_frame(images, sp);
-        if (!img) return;
-        if (seen.count(sp)) {
-            out_printf(out, "\n  Stack walk stopped: the back chain loops to %08x\n", sp);
-            return;
-        }
-        if (frames == STACK_WALK_MAX_FRAMES) {
-            out_printf(out, "\n  Stack walk stopped after %d frames\n", frames);
-            return;
-        }
+        if (!img) return walk_end::left_images;
+        if (seen.count(sp)) return walk_end::loop;
+        if (frames == STACK_WALK_MAX_FRAMES) return walk_end::too_deep;
         // A frame in the image's last 8 bytes has no room for its two words.
         be_cursor frame(std::span<const uint8_t>(img->data.data(), img->size), sp - img->start);
-        uint32_t back_chain = frame.u32();
-        uint32_t saved_lr = frame.u32();
-        if (!frame.ok()) return;
-        out_printf(out, "\n  Back chain word     : %08x\n", back_chain);
-        out_printf(out, "        %08x  ", saved_lr);
-        print_addr(out, saved_lr);
+        stack_frame fr;
+        fr.back_chain = frame.u32();
+        fr.saved_lr = frame.u32();
+        if (!frame.ok()) return walk_end::no_room;
+        visit(fr);
         seen.insert(sp);
-        sp = back_chain;
+        sp = fr.back_chain;
     }
+}
+
+void print_stack_walk(out_buffer& out, const std::vector<stack_image>& images, uint32_t sp,
+                      const address_printer& print_addr) {
+    uint32_t end_sp = 0;
+    walk_end end = walk_stack(
+        images, sp,
+        [&](const stack_frame& fr) {
+            out_printf(out, "\n  Back chain word     : %08x\n", fr.back_chain);
+            out_printf(out, "        %08x  ", fr.saved_lr);
+            print_addr(out, fr.saved_lr);
+        },
+        &end_sp);
+    if (end == walk_end::loop) out_printf(out, "\n  Stack walk stopped: the back chain loops to %08x\n", end_sp);
+    if (end == walk_end::too_deep) out_printf(out, "\n  Stack walk stopped after %d frames\n", STACK_WALK_MAX_FRAMES);
 }

@@ -33,6 +33,15 @@ register_set user_register_set(uint32_t stack_pointer);
 bool find_register(const std::string& text, const char* key, uint32_t* value);
 const stack_image* find_stack_frame(const std::vector<stack_image>& images, uint32_t sp);
 
+struct stack_frame {
+    uint32_t back_chain;
+    uint32_t saved_lr;
+};
+enum class walk_end { left_images, no_room, loop, too_deep };
+// Visits the frames from sp on. *end_sp is where the walk stopped.
+walk_end walk_stack(const std::vector<stack_image>& images, uint32_t sp,
+                    const std::function<void(const stack_frame&)>& visit, uint32_t* end_sp);
+
 // Prints the frames from sp on; each saved link register goes to print_addr,
 // which ends the line.
 using address_printer = std::function<void(out_buffer& out, uint32_t addr)>;

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "pmd/tests/dump_fixture.h"
 #include "symbols/cross_tool.h"
@@ -79,10 +80,12 @@ struct path_override {
 };
 
 // Answers like addr2line -e FILE -f -C, with the file's name in its answer,
-// and goes away at the address 0x00000bad.
+// and goes away at the address 0x00000bad. For gone.elf it notes its start
+// and goes at once.
 const char* const fake_tool =
     "#!/bin/sh\n"
     "[ \"$1\" = -e ] && [ \"$3\" = -f ] && [ \"$4\" = -C ] && [ $# = 4 ] || exit 3\n"
+    "[ \"$2\" = gone.elf ] && echo started >> \"$0.starts\" && exit 0\n"
     "while read a; do\n"
     "  [ \"$a\" = 0x00000bad ] && exit 0\n"
     "  echo \"fn_$a\"; echo \"$2:$a\"\n"
@@ -102,14 +105,40 @@ TEST(CrossTool, OneProcessPerFileAnswersEveryAddress) {
     EXPECT_EQ(a.position, "other.elf:0x00000020");
     a = cross_tool_translate(odd, 0xFFFFFFFF);
     EXPECT_EQ(a.position, odd + ":0xffffffff");
-    // A tool that has gone answers nothing, and writing to it does no harm.
+    // The address the tool goes away on gets nothing; a new process answers
+    // the next ones, and writing to the old one does no harm.
     a = cross_tool_translate(odd, 0xbad);
     EXPECT_EQ(a.function, "??");
     EXPECT_EQ(a.position, "??");
-    a = cross_tool_translate(odd, 0x10000100);
-    EXPECT_EQ(a.function, "??");
+    a = cross_tool_translate(odd, 0x10000104);
+    EXPECT_EQ(a.function, "fn_0x10000104");
     a = cross_tool_translate("other.elf", 0x24);
     EXPECT_EQ(a.function, "fn_0x00000024");
+}
+
+TEST(CrossTool, BatchesAnswerLikeSingleRuns) {
+    temp_dir d;
+    std::string tool = d.make(CROSS_TOOL_NAME, fake_tool, 0700);
+    path_override p(d.path);
+    std::vector<cross_tool_request> requests;
+    for (uint32_t a = 0; a < 20000; a++) requests.push_back({"big.elf", a});  // more than a pipe holds
+    requests.push_back({"big.elf", 7});
+    requests.push_back({"small.elf", 0xbad});
+    requests.push_back({"gone.elf", 0xbad});
+    requests.push_back({"gone.elf", 0xbae});
+    cross_tool_prefetch(requests);
+    EXPECT_EQ(cross_tool_translate("big.elf", 0).position, "big.elf:0x00000000");
+    EXPECT_EQ(cross_tool_translate("big.elf", 0xbad).function, "??");
+    EXPECT_EQ(cross_tool_translate("big.elf", 0xbae).function, "fn_0x00000bae");  // after the tool went
+    EXPECT_EQ(cross_tool_translate("big.elf", 19999).position, "big.elf:0x00004e1f");
+    // One address that ends the tool costs that address only; a tool that
+    // answers nothing twice in a row is not started again for every address.
+    EXPECT_EQ(cross_tool_translate("small.elf", 1).function, "fn_0x00000001");
+    EXPECT_EQ(cross_tool_translate("gone.elf", 0xbae).function, "??");
+    EXPECT_EQ(cross_tool_translate("gone.elf", 0xbaf).function, "??");
+    std::ifstream starts(tool + ".starts");
+    std::string all((std::istreambuf_iterator<char>(starts)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(all, "started\nstarted\n");
 }
 
 TEST(CrossTool, PlainAddr2lineWhenTheCrossToolIsMissing) {
