@@ -127,7 +127,7 @@ size_t run_batch(tool_process& p, const std::vector<uint32_t>& lookups, std::vec
         requests.append(text, size_t(n));
     }
     size_t written = 0;
-    std::string first, second;
+    std::string first;
     bool have_first = false;
     while (answers->size() < lookups.size()) {
         pollfd fds[2] = {{p.from_tool, POLLIN, 0}, {written < requests.size() ? p.to_tool : -1, POLLOUT, 0}};
