@@ -30,18 +30,18 @@ std::optional<uint32_t> te_locate_ring(std::span<uint8_t> image, uint32_t& size)
     rebase(image, ring, delta);
     r = read_bounds(image, ring);
 
-    // The image may hold less than the ring claims: a never-wrapped ring
-    // ends at its first unwritten block, and no block may run past the image.
+    // A ring that has never wrapped ends at its first unwritten block. The
+    // walk stops at the image's end: what lies beyond is for the check.
     uint64_t p = r.tail;
     while (p < r.end) {
         const trace_block b = read_block(image, p);
-        const uint64_t next = p + uint64_t(b.units) * TRACE_UNIT;
-        if (!b.whole || b.units == 0 || next > image.size()) {
+        if (!b.whole) break;
+        if (b.units == 0) {
             img_put32(image, uint64_t(ring) + TRACE_END, uint32_t(p));
             size = uint32_t(p) - r.start + 60;
             break;
         }
-        p = next;
+        p += uint64_t(b.units) * TRACE_UNIT;
     }
     return ring;
 }
