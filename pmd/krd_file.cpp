@@ -164,6 +164,7 @@ uint32_t krd_read_word(krd_file* f) {
 }
 
 void krd_read_bytes(krd_file* f, uint8_t* dst, uint32_t n) {
+    if (n == 0) return;
     // Serve what the buffer holds, then go to the file directly.
     uint32_t done = 0;
     if (f->buffer && f->pos - f->buf_start < f->buf_count) {

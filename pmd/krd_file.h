@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 inline constexpr uint32_t PMD_SECTION_START = 48;
 inline constexpr uint32_t KRD_BUFFER_SIZE = 16352;
@@ -55,6 +56,11 @@ struct krd_file {
     // reopened at every fill.
     int fd = -1;
     uint64_t real_size = 0;  // bytes the file really holds (for allocation bounds)
+
+    // Where a title searched from the first section was found (or that it
+    // was not): the file does not change during a run, and renderers look
+    // the same sections up again for every section they print.
+    std::unordered_map<std::string, uint32_t> find_memo;
 
     ~krd_file();
 };

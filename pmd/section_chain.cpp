@@ -119,14 +119,31 @@ void krd_merge_sections(krd_file* f, krd_section* first, uint32_t* cursor) {
     }
 }
 
+static constexpr uint32_t not_found = 0xFFFFFFFF;
+
 krd_chain krd_find_section(krd_file* f, uint32_t* cursor, const char* title) {
     uint32_t at = (cursor == nullptr || *cursor == 0) ? PMD_SECTION_START : *cursor;
     krd_chain chain;
     if (title && *title) {
+        const bool from_start = at == PMD_SECTION_START;
+        if (from_start) {
+            auto hit = f->find_memo.find(title);
+            if (hit != f->find_memo.end()) {
+                if (hit->second == not_found) return nullptr;
+                at = hit->second;
+            }
+        }
         for (;;) {
+            uint32_t start = at;
             chain = krd_read_section(f, &at);
-            if (!chain) return nullptr;
-            if (chain->title.find(title) != std::string::npos) break;
+            if (!chain) {
+                if (from_start) f->find_memo[title] = not_found;
+                return nullptr;
+            }
+            if (chain->title.find(title) != std::string::npos) {
+                if (from_start) f->find_memo[title] = start;
+                break;
+            }
         }
     } else {
         chain = krd_read_section(f, &at);

@@ -5,7 +5,25 @@
 #include "render/out_buffer.h"
 
 static const char lower_hex[] = "0123456789abcdef";
-static const char upper_hex[] = "0123456789ABCDEF";
+
+// Two lower-case hex digits, the same as upper-case, and the printable
+// column's character, for every byte value.
+struct hex_tables {
+    char lower[256][2];
+    char upper[256][2];
+    char shown[256];
+    hex_tables() {
+        static const char up[] = "0123456789ABCDEF";
+        for (int b = 0; b < 256; b++) {
+            lower[b][0] = lower_hex[b >> 4];
+            lower[b][1] = lower_hex[b & 0xF];
+            upper[b][0] = up[b >> 4];
+            upper[b][1] = up[b & 0xF];
+            shown[b] = (b < 32 || b > 126) ? '.' : char(b);
+        }
+    }
+};
+static const hex_tables tables;
 
 // The printable column of the current line. It is never cleared; only the
 // part written for the current line is shown.
@@ -13,7 +31,10 @@ static char printable[16];
 
 static char* put_address(char* p, uint32_t addr) {
     *p++ = ' ';
-    for (int shift = 28; shift >= 0; shift -= 4) *p++ = upper_hex[(addr >> shift) & 0xF];
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        std::memcpy(p, tables.upper[(addr >> shift) & 0xFF], 2);
+        p += 2;
+    }
     *p++ = ':';
     *p++ = ' ';
     return p;
@@ -23,28 +44,56 @@ void print_hex_dump(FILE* stream, std::span<const uint8_t> data, uint32_t base) 
     if (data.empty()) return;
     auto out = std::make_unique<out_buffer>(stream);
     const size_t size = data.size();
-    for (size_t line = 0; line < size; line += 16) {
-        const size_t k = size - line < 16 ? size - line : 16;
-        char* start = out->reserve(80);
-        char* p = put_address(start, uint32_t(line) + base);
-        for (size_t i = 0; i < k; i++) {
-            uint8_t b = data[line + i];
-            *p++ = lower_hex[b >> 4];
-            *p++ = lower_hex[b & 0xF];
-            if (i % 4 == 3) *p++ = ' ';
-            printable[i] = (b < 32 || b > 126) ? '.' : char(b);
+    const uint8_t* d = data.data();
+    size_t line = 0;
+    // Full lines: 68 characters each, built in a local line that the
+    // compiler can keep apart from everything else.
+    for (; line + 16 <= size; line += 16) {
+        char l[68];
+        put_address(l, uint32_t(line) + base);
+        const uint8_t* b = d + line;
+        char* p = l + 11;
+        for (int g = 0; g < 16; g += 4) {
+            std::memcpy(p, tables.lower[b[g]], 2);
+            std::memcpy(p + 2, tables.lower[b[g + 1]], 2);
+            std::memcpy(p + 4, tables.lower[b[g + 2]], 2);
+            std::memcpy(p + 6, tables.lower[b[g + 3]], 2);
+            p[8] = ' ';
+            p += 9;
         }
-        // Pad so that the opening quote stands in the same column on every line.
-        size_t pad = 38 - 2 * k - k / 4;
-        std::memset(p, ' ', pad);
-        p += pad;
-        *p++ = '"';
-        std::memcpy(p, printable, k);
-        p += k;
-        *p++ = '"';
-        *p++ = '\n';
-        out->commit(size_t(p - start));
+        p[0] = ' ';
+        p[1] = ' ';
+        p[2] = '"';
+        // Arithmetic rather than a table, so that the compiler can do all 16 at once.
+        uint8_t shown[16];
+        for (int i = 0; i < 16; i++) shown[i] = uint8_t(b[i] - 32) < 95 ? b[i] : uint8_t('.');
+        std::memcpy(p + 3, shown, 16);
+        p[19] = '"';
+        p[20] = '\n';
+        std::memcpy(out->reserve(68), l, 68);
+        out->commit(68);
     }
+    if (line == size) return;
+    // The last line, padded so that its quote stands under the others.
+    const size_t k = size - line;
+    char* start = out->reserve(80);
+    char* p = put_address(start, uint32_t(line) + base);
+    for (size_t i = 0; i < k; i++) {
+        uint8_t b = d[line + i];
+        std::memcpy(p, tables.lower[b], 2);
+        p += 2;
+        if (i % 4 == 3) *p++ = ' ';
+        printable[i] = tables.shown[b];
+    }
+    size_t pad = 38 - 2 * k - k / 4;
+    std::memset(p, ' ', pad);
+    p += pad;
+    *p++ = '"';
+    std::memcpy(p, printable, k);
+    p += k;
+    *p++ = '"';
+    *p++ = '\n';
+    out->commit(size_t(p - start));
 }
 
 void print_hex_bytes(FILE* stream, std::span<const uint8_t> data) {

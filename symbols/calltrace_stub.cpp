@@ -7,10 +7,8 @@
 
 void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
     if (options->stack_pointer != 0) return;
-    uint32_t cursor = 0;
-    for (krd_chain c = krd_find_section(f, &cursor, ""); c; c = krd_get_section(f, &cursor)) {
-        if (c->title.compare(0, 10, "REGISTERS ") == 0 || c->title.compare(0, 13, "CPU registers") == 0) return;
-    }
+    if (krd_find_section(f, nullptr, "REGISTERS FOR PROCESS ") || krd_find_section(f, nullptr, "CPU registers for pid "))
+        return;
     std::fputs("  [CALLTRACE]\n\n  info: cannot find CPU register information in pmd file\n", stream);
 }
 

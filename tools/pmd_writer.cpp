@@ -136,6 +136,7 @@ static bytes kind_body(const pmd_section& s, const char* tag) {
         put_u32(b, s.size_word ? *s.size_word : uint32_t(s.payload.size()));
         if (s.sig_data == "raw") put_chunk(b, "DATA", s.payload);
         else if (s.sig_data == "zlib") put_zdat(b, s, zlib_compress(s.payload, s.level));
+        else put_tag(b, "NONE");  // neither DATA nor FORM
         break;
     }
     case pmd_kind::raw: break;

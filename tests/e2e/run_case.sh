@@ -12,6 +12,7 @@
 #   stderr      expected standard error (optional, default: empty)
 #   status      expected exit status (optional, default: 0)
 #   files/      further files expected in the work folder afterwards (optional)
+#   absent      names of files that must not exist afterwards, one per line (optional)
 # krd runs in a fresh work folder with "krd" as its argv[0].
 set -u
 KRD=$1 MKPMD=$2 CASE=$3 WORK=$4
@@ -57,5 +58,10 @@ if [ -d "$CASE/files" ]; then
     for f in "$CASE"/files/*; do
         compare "$f" "$WORK/$(basename "$f")" "$(basename "$f")"
     done
+fi
+if [ -f "$CASE/absent" ]; then
+    while IFS= read -r name; do
+        [ -e "$WORK/$name" ] && { echo "--- $name should not exist"; fail=1; }
+    done < "$CASE/absent"
 fi
 exit $fail

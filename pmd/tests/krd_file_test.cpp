@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include "pmd/tests/dump_fixture.h"
+
+namespace {
+
+bytes counting_file(size_t n) {
+    pmd_dump d;
+    d.dump_id = 0x01020304;
+    d.sections.push_back(memory_section("X", "abc"));
+    bytes b = pmd_build_dump(d);
+    // Fill the rest with a byte pattern that tells every position apart.
+    while (b.size() < n) b.push_back(uint8_t(b.size() * 7 + 3));
+    return b;
+}
+
+TEST(KrdOpen, RecognisesByTheFirstSectionOnly) {
+    bytes b(100, 0);
+    b[56] = 'B', b[57] = 'L', b[58] = 'O';
+    b[7] = 100 - 8;   // length word
+    b[35] = 0x2a;     // dump identity
+    b[79] = 5;        // seconds
+    b[83] = 7;        // microseconds
+    dump_fixture d(b);
+    ASSERT_TRUE(d.file);
+    EXPECT_EQ(d.f()->size, 100u);
+    EXPECT_EQ(d.f()->dump_id, 0x2au);
+    EXPECT_EQ(d.f()->time_sec, 5u);
+    EXPECT_EQ(d.f()->time_usec, 7u);
+    EXPECT_EQ(d.f()->pos, 0u);
+}
+
+TEST(KrdOpen, Failures) {
+    uint8_t error = 9;
+    bytes shorty(58, 0);
+    shorty[56] = 'B', shorty[57] = 'L';
+    std::string p = temp_path("short");
+    pmd_write_file(p, shorty);
+    EXPECT_FALSE(krd_open_file(0, p.c_str(), &error));
+    EXPECT_EQ(error, 1);
+    unlink(p.c_str());
+
+    EXPECT_FALSE(krd_open_file(0, "/nonexistent/x.pmd", &error));
+    EXPECT_EQ(error, 2);
+    EXPECT_FALSE(krd_open_file(0, "/tmp", &error));
+    EXPECT_EQ(error, 2);
+    EXPECT_FALSE(krd_open_file(7, nullptr, &error));  // no resident store here
+    EXPECT_EQ(error, 2);
+    EXPECT_FALSE(krd_open_file(0, nullptr, &error));
+    EXPECT_EQ(error, 3);
+    EXPECT_FALSE(krd_open_file(7, "x", &error));
+    EXPECT_EQ(error, 3);
+
+    std::unique_ptr<krd_file> none;
+    krd_close_file(&none);
+    EXPECT_FALSE(none);
+}
+
+TEST(KrdRead, WordsStraddleBufferFillsAndSeeksGoBack) {
+    bytes b = counting_file(3 * KRD_BUFFER_SIZE);
+    dump_fixture d(b);
+    ASSERT_TRUE(d.file);
+    krd_file* f = d.f();
+    auto word_at = [&](size_t at) {
+        return uint32_t(b[at]) << 24 | uint32_t(b[at + 1]) << 16 | uint32_t(b[at + 2]) << 8 | b[at + 3];
+    };
+    // A word across the end of the first buffer.
+    EXPECT_EQ(krd_read_byte(f), b[0]);
+    krd_seek(f, KRD_BUFFER_SIZE - 2, 0);
+    EXPECT_EQ(krd_read_word(f), word_at(KRD_BUFFER_SIZE - 2));
+    EXPECT_EQ(f->buf_start, KRD_BUFFER_SIZE);
+    EXPECT_EQ(krd_tell(f), KRD_BUFFER_SIZE + 2);
+    // Back before the buffer: refilled from there.
+    krd_seek(f, 10, 0);
+    EXPECT_EQ(krd_read_byte(f), b[10]);
+    EXPECT_EQ(f->buf_start, 10u);
+    krd_seek(f, 2, 1);
+    EXPECT_EQ(krd_read_byte(f), b[13]);
+    krd_seek(f, 0, 2);
+    EXPECT_EQ(krd_tell(f), f->size);
+    krd_seek(f, 5, 9);  // unknown whence does nothing
+    EXPECT_EQ(krd_tell(f), f->size);
+    // Bulk reads agree with byte reads, across fills and past the end.
+    std::vector<uint8_t> bulk(b.size() + 10);
+    krd_seek(f, 0, 0);
+    krd_read_bytes(f, bulk.data(), uint32_t(bulk.size()));
+    EXPECT_TRUE(std::equal(b.begin(), b.end(), bulk.begin()));
+    EXPECT_EQ(bulk.back(), 0);
+    krd_seek(f, uint32_t(b.size()) - 1, 0);
+    EXPECT_EQ(krd_read_byte(f), b.back());
+    EXPECT_EQ(krd_read_byte(f), 0);  // past the end
+}
+
+// Tag bytes followed by a length word of 0x11223344.
+uint32_t tag_of(const std::string& text, uint32_t* len, uint32_t* consumed) {
+    pmd_dump dd;
+    dd.sections.push_back(memory_section("X", "abc"));
+    bytes b = pmd_build_dump(dd);
+    size_t at = b.size();
+    b.insert(b.end(), text.begin(), text.end());
+    put_u32(b, 0x11223344);
+    dump_fixture d(b);
+    krd_seek(d.f(), uint32_t(at), 0);
+    uint32_t idx = krd_read_tag(d.f(), len);
+    *consumed = krd_tell(d.f()) - uint32_t(at);
+    return idx;
+}
+
+TEST(KrdTag, MatchesInTableOrder) {
+    uint32_t len = 0, used = 0;
+    EXPECT_EQ(tag_of("FORM", &len, &used), HDR_FORM);
+    EXPECT_EQ(len, 0x11223344u);
+    EXPECT_EQ(used, 8u);
+    EXPECT_EQ(tag_of("MBL DESC", &len, &used), HDR_MBL);
+    EXPECT_EQ(used, 12u);
+    EXPECT_EQ(tag_of("PROGPRHD", &len, &used), HDR_PROG_PRHD);
+    EXPECT_EQ(tag_of("PROGFORM", &len, &used), HDR_PROG_FORM);
+    // BLOC has no length word behind it.
+    len = 5;
+    EXPECT_EQ(tag_of("BLOC", &len, &used), HDR_BLOC);
+    EXPECT_EQ(len, 0u);
+    EXPECT_EQ(used, 4u);
+    // The first half of an 8-byte entry is no match; unknown tags leave
+    // the position and the length alone.
+    len = 77;
+    EXPECT_EQ(tag_of("MBL XXXX", &len, &used), HDR_NOTFOUND);
+    EXPECT_EQ(len, 77u);
+    EXPECT_EQ(used, 0u);
+    EXPECT_EQ(tag_of("ZZZZ", &len, &used), HDR_NOTFOUND);
+    EXPECT_EQ(used, 0u);
+}
+
+TEST(KrdHeader, ReadsTheFileRecord) {
+    pmd_dump dd;
+    dd.dump_id = 0xCAFE0001;
+    dd.version = 3;
+    dd.sections.push_back(memory_section("X", "abc"));
+    dump_fixture d(dd);
+    auto h = krd_get_header(d.f());
+    ASSERT_TRUE(h);
+    EXPECT_EQ(h->dump_id, 0xCAFE0001u);
+    EXPECT_EQ(h->version, 3u);
+    EXPECT_EQ(h->total_size, d.f()->size);
+
+    bytes b = pmd_build_dump(dd);
+    b[12] = 'X';  // "PMD XERS"
+    dump_fixture bad(b);
+    EXPECT_FALSE(krd_get_header(bad.f()));
+}
+
+}  // namespace
