@@ -16,7 +16,8 @@ std::optional<uint32_t> te_locate_ring(std::span<uint8_t> image, uint32_t& size)
     if (image.size() < size) size = uint32_t(image.size());
     if (size <= TRACE_HEADER_SIZE) return std::nullopt;
     std::optional<uint32_t> found;
-    for (uint32_t i = 0; i <= size - 46; i++) {
+    // Positions 0 to size - 46: none in an image of 45 bytes.
+    for (uint32_t i = 0; i + 46 <= size; i++) {
         if (image[size_t(i) + TRACE_MAGIC] == 'I' && has_trace_magic(image, i)) {
             found = i;
             break;

@@ -69,10 +69,10 @@ int get_trace(trace_cursor* cursor) {
 
 int find_trace(std::span<uint8_t> image, uint32_t area, uint32_t size, const char* name, trace_cursor* cursor) {
     if (size <= TRACE_HEADER_SIZE) return 0;
-    const uint64_t last = uint64_t(size) - 46;
     uint64_t ring = 0;
     bool found = false;
-    for (uint64_t i = 0; i <= last && uint64_t(area) + i + TRACE_HEADER_SIZE <= image.size(); i++) {
+    // Positions 0 to size - 46 from the area, as far as the image goes.
+    for (uint64_t i = 0; i + 46 <= size && uint64_t(area) + i + TRACE_HEADER_SIZE <= image.size(); i++) {
         const uint64_t at = uint64_t(area) + i;
         if (has_trace_magic(image, at) && name_matches(image, at, name)) {
             ring = at;

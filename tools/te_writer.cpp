@@ -217,13 +217,13 @@ void do_mark(script_state& s, const key_values& kv) {
     if (!n || *n >= s.blocks.size()) fail("mark needs n= of an allocated block");
     const uint64_t block = s.blocks[*n] - TRACE_UNIT;
     for (auto& [k, v] : kv) {
-        auto field16 = [&](uint32_t off) {
-            uint32_t cur = uint32_t(img[block + off]) << 8 | img[block + off + 1];
-            put_be(img, block + off, adjusted(v, cur), 2);
+        auto field16 = [&](uint32_t off, const std::string& value) {
+            uint32_t cur = get_be32(img, block + off) >> 16;
+            put_be(img, block + off, adjusted(value, cur), 2);
         };
         if (k == "n") continue;
-        else if (k == "units") field16(BLOCK_UNITS);
-        else if (k == "size") field16(BLOCK_SIZE);
+        else if (k == "units") field16(BLOCK_UNITS, v);
+        else if (k == "size") field16(BLOCK_SIZE, v);
         else if (k == "skip") put_be(img, block + BLOCK_SKIP, number(v), 1);
         else if (k == "state") put_be(img, block + BLOCK_STATE, number(v), 1);
         else if (k == "generation") put_be(img, block + BLOCK_GENERATION, number(v), 1);

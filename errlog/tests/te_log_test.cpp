@@ -67,9 +67,16 @@ TEST(TeLog, NoRingAndAnEmptyRing) {
     int result = -1;
     EXPECT_EQ(printed(none, "1", &result), "");
     EXPECT_EQ(result, 1);
-    bytes tiny = build("image size=44\n");
+    // A header in 45 bytes lies in no position that is searched.
+    bytes tiny = build("image size=300\nring at=0 size=300\n");
+    tiny.resize(45);
     EXPECT_EQ(printed(tiny, "1", &result), "");
     EXPECT_EQ(result, 1);
+    trace_cursor c;
+    EXPECT_EQ(find_trace(tiny, 0, 45, "", &c), 0);
+    tiny.resize(46);
+    EXPECT_EQ(printed(tiny, "1", &result), "");
+    EXPECT_NE(result, 1);
     bytes empty = build("image size=300 address=0x100\nring at=16 size=284\n");
     EXPECT_EQ(printed(empty, "1", &result), "  Trace empty\n");
     EXPECT_EQ(result, 0);
