@@ -45,23 +45,6 @@ TEST(TeLog, RingIsFoundAnywhereAndRebasedOnce) {
     EXPECT_EQ(size, be32(image, 37 + TRACE_END) - (37 + 44) + 60);
 }
 
-TEST(TeLog, EntriesPrintInReadingOrderAcrossTheWrap) {
-    bytes image = build("image size=400 address=0x00A00000\nring at=0 size=400\nclock step=250\n"
-                        "entry seconds=1000000000 base=100 ticks=150 file=f line=7 group=4 msg=m{n} count=12");
-    int result = -1;
-    std::string out = printed(image, "4", &result);
-    EXPECT_EQ(result, 0);
-    // Blocks of 3 units in 21: the ring holds the last six. Each block is
-    // 250 ticks of 4 ms behind the one before.
-    EXPECT_EQ(out,
-              " [2001-09-09 01:46:46.200] m7 f:7 INFO:\n"
-              " [2001-09-09 01:46:47.200] m8 f:7 INFO:\n"
-              " [2001-09-09 01:46:48.200] m9 f:7 INFO:\n"
-              " [2001-09-09 01:46:49.200] m10 f:7 INFO:\n"
-              " [2001-09-09 01:46:50.200] m11 f:7 INFO:\n"
-              " [2001-09-09 01:46:51.200] m12 f:7 INFO:\n");
-}
-
 TEST(TeLog, NoRingAndAnEmptyRing) {
     bytes none(300, 0);
     int result = -1;
@@ -101,15 +84,6 @@ TEST(TeLog, ImageShorterThanTheRingStaysInside) {
               " [2001-09-09 01:46:40.000] m8 f.c:7 INFO:\n"
               " [2001-09-09 01:46:40.000] m9 f.c:7 INFO:\n");
     EXPECT_EQ(result, 0);
-}
-
-TEST(TeLog, GroupNamesEndWithUnknown) {
-    EXPECT_STREQ(te_group_name(0), "CHECK");
-    EXPECT_STREQ(te_group_name(16), "BUS_RECEIVE");
-    EXPECT_STREQ(te_group_name(31), "USER4");
-    EXPECT_STREQ(te_group_name(32), "UNKNOWN");
-    EXPECT_STREQ(te_group_name(255), "UNKNOWN");
-    EXPECT_STREQ(te_group_name(0xFFFFFFFF), "UNKNOWN");
 }
 
 }  // namespace
