@@ -144,7 +144,6 @@ bool pmd_parse_manifest(const std::string& text, const std::string& base_dir, pm
     std::istringstream in(text);
     std::string line;
     int lineno = 0;
-    uint32_t default_time = 0;
     pmd_section* cur = nullptr;
     auto need_section = [&]() -> pmd_section& {
         if (!cur) fail("payload before any section");
@@ -173,7 +172,7 @@ bool pmd_parse_manifest(const std::string& text, const std::string& base_dir, pm
                 for (auto& [k, v] : pairs(line, i)) {
                     if (k == "id") out->dump_id = number(v);
                     else if (k == "version") out->version = number(v);
-                    else if (k == "time") default_time = number(v);
+                    else if (k == "time") out->default_time = number(v);
                     else if (k == "length") out->length_word = number(v);
                     else if (k == "truncate") out->truncate = number(v);
                     else fail("unknown dump key '" + k + "'");
@@ -194,7 +193,7 @@ bool pmd_parse_manifest(const std::string& text, const std::string& base_dir, pm
                 out->sections.emplace_back();
                 cur = &out->sections.back();
                 cur->kind = kind_of(kind);
-                cur->time_sec = default_time;
+                cur->time_sec = out->default_time;
                 for (auto& [k, v] : pairs(line, i)) section_key(*cur, k, v);
             } else if (cmd == "text") {
                 pmd_section& s = need_section();

@@ -79,6 +79,7 @@ struct pmd_dump {
     std::vector<pmd_section> sections;
     std::optional<uint32_t> length_word;  // the outermost FORM length, default: true length - 8
     std::optional<uint32_t> truncate;     // cut the file to this many bytes
+    uint32_t default_time = 0;            // manifest: time of sections that set none
 };
 
 bytes pmd_build_section(const pmd_section& s);

@@ -1,0 +1,49 @@
+// Helpers of the error log tests: images built from records, printed to text.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "errlog/error_log.h"
+#include "tools/errlog_image.h"
+
+// What a printer writes to a stream, as a string.
+template <class Print>
+std::string capture(Print&& print) {
+    char* buf = nullptr;
+    size_t len = 0;
+    FILE* f = open_memstream(&buf, &len);
+    print(f);
+    std::fclose(f);
+    std::string s(buf, len);
+    std::free(buf);
+    return s;
+}
+
+inline std::string print_log(const std::vector<uint8_t>& image, int* result = nullptr, int check_magic = 0) {
+    return capture([&](FILE* f) {
+        int r = lg_print_dump(f, image, check_magic);
+        if (result) *result = r;
+    });
+}
+
+// A ring of 256 bytes holding the given records from offset 0.
+inline std::vector<uint8_t> ring_of(const std::vector<lg_image_record>& recs, uint32_t size = 256,
+                                    uint32_t start = 0) {
+    lg_image_ring ring;
+    ring.size = size;
+    ring.start = start;
+    for (const auto& r : recs) ring.records.push_back(lg_build_record(r));
+    return lg_build_ring(ring);
+}
+
+// The lines of a printed record behind its separator and time line.
+inline std::string body_of(const std::string& printed) {
+    size_t sep = printed.find("Time");
+    size_t nl = printed.find('\n', sep);
+    return nl == std::string::npos ? printed : printed.substr(nl + 1);
+}
+
+inline const char* const separator =
+    "\n----------------------------------------------------------------------------\n";
