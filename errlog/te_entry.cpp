@@ -19,13 +19,15 @@ struct te_group {
 // Searched from the top; the last row is the end mark and stands for every
 // number that is not in the table.
 constexpr te_group te_groups[] = {
-    {0, "CHECK"},        {1, "ERROR"},      {2, "ENTER"},         {3, "RETURN"},     {4, "INFO"},
-    {5, "TRACE1"},       {6, "TRACE2"},     {7, "TRACE3"},        {8, "TRACE4"},     {9, "TRACE5"},
-    {10, "TRACE6"},      {11, "TRACE7"},    {12, "TRACE8"},       {13, "TRACE9"},    {14, "STATE_CHANGE"},
-    {15, "BUS_SEND"},    {16, "BUS_RECEIVE"}, {17, "REC_SIG"},    {18, "SEND_SIG"},  {19, "PARAM"},
-    {20, "INTERFACE"},   {21, "TRACE_OBJ"}, {22, "RESERVED1"},    {23, "RESERVED2"}, {24, "RESERVED3"},
-    {25, "RESERVED4"},   {26, "RESERVED5"}, {27, "RESERVED6"},    {28, "USER1"},     {29, "USER2"},
-    {30, "USER3"},       {31, "USER4"},     {255, "UNKNOWN"},
+    {0, "CHECK"},         {1, "ERROR"},         {2, "ENTER"},         {3, "RETURN"},
+    {4, "INFO"},          {5, "TRACE1"},        {6, "TRACE2"},        {7, "TRACE3"},
+    {8, "TRACE4"},        {9, "TRACE5"},        {10, "TRACE6"},       {11, "TRACE7"},
+    {12, "TRACE8"},       {13, "TRACE9"},       {14, "STATE_CHANGE"}, {15, "BUS_SEND"},
+    {16, "BUS_RECEIVE"},  {17, "REC_SIG"},      {18, "SEND_SIG"},     {19, "PARAM"},
+    {20, "INTERFACE"},    {21, "TRACE_OBJ"},    {22, "RESERVED1"},    {23, "RESERVED2"},
+    {24, "RESERVED3"},    {25, "RESERVED4"},    {26, "RESERVED5"},    {27, "RESERVED6"},
+    {28, "USER1"},        {29, "USER2"},        {30, "USER3"},        {31, "USER4"},
+    {255, "UNKNOWN"},
 };
 
 // Field offsets of an entry, from the block's data.

@@ -2,6 +2,7 @@
 // the time since the swap-in before it.
 #include <cstdarg>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -10,11 +11,13 @@
 
 namespace {
 
+// Searched in this order; the last row stands behind the search, for an
+// unknown or empty board name.
 constexpr swap_board swap_board_table[] = {
-    {"tkr4", 21}, {"tkr5", 25}, {"vnl", 78},  {"vnl2", 195}, {"vnl3", 486}, {"tkr6", 150},
-    {"fzh4", 75}, {"mrq", 75},  {"tkr7", 150}, {"fzh3", 66},  {"QOT1", 50},
+    {"tkr4", 21},     {"tkr5", 25},     {"vnl", 78},      {"vnl2", 195},
+    {"vnl3", 486},    {"tkr6", 150},    {"fzh4", 75},     {"mrq", 75},
+    {"tkr7", 150},    {"fzh3", 66},     {"QOT1", 50},     {"default", 66},
 };
-constexpr uint32_t default_ticks_per_us = 66;
 
 bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -65,9 +68,10 @@ void print_stamp(out_buffer& out, swap_times& t, const char* word) {
 }  // namespace
 
 uint32_t swap_ticks_per_us(const char* board) {
-    for (const swap_board& b : swap_board_table)
-        if (board && std::strcmp(board, b.name) == 0) return b.ticks_per_us;
-    return default_ticks_per_us;
+    const swap_board* b = swap_board_table;
+    const swap_board* last = std::end(swap_board_table) - 1;
+    while (b != last && !(board && std::strcmp(board, b->name) == 0)) b++;
+    return b->ticks_per_us;
 }
 
 void print_text_process_swap_dump(FILE* stream, std::span<const uint8_t> text, const char* board) {
