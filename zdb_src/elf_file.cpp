@@ -129,7 +129,8 @@ void zdb_open_file(zdb_file* file, const char* path) {
     *file = zdb_file{};
     if (!path) return;
 
-    int fd = open(path, O_RDONLY);
+    // Non-blocking, so that a FIFO given by mistake doesn't wait for a writer.
+    int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
         std::perror("\033[0mzdb: [open_elf_file]");
         std::exit(1);

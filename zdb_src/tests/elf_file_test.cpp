@@ -60,8 +60,14 @@ TEST(ElfOpen, FailuresEndTheRunAsTheTableSays) {
     EXPECT_EQ(folder.status, 1);
     EXPECT_EQ(folder.err.rfind("zdb: [open_elf_file] : ", 0), 0u) << folder.err;
 
+    // A FIFO has no size and no writer: no wait, no ELF file.
+    std::string fifo = write_temp_file("fifo.elf", {});
+    unlink(fifo.c_str());
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(open_in_child(fifo).out, not_elf);
+
     EXPECT_EQ(open_in_child(fixture("ppc_app.elf")).status, 0);
-    for (const auto& p : {text, empty, dyn}) unlink(p.c_str());
+    for (const auto& p : {text, empty, dyn, fifo}) unlink(p.c_str());
 }
 
 TEST(ElfOpen, TruncatedExecutableIsNotAnElfFileAtAnyLength) {
