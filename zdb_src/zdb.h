@@ -55,7 +55,7 @@ struct zdb_addr_info {
     uint32_t path_b_offset = 0;
     uint32_t function_offset = 0;
     int32_t line = 0;
-    std::string text{1, '\0'};
+    std::string text = std::string(1, '\0');
 
     const char* path_a() const { return text.c_str() + path_a_offset; }
     const char* path_b() const { return text.c_str() + path_b_offset; }

@@ -1,0 +1,78 @@
+// Address to directory, file, line and function from DWARF 2, walked from
+// scratch at every call: nothing is kept between translations.
+#include <cstdio>
+
+#include "zdb_src/dwarf2.h"
+#include "zdb_src/zdb_internal.h"
+
+using namespace zdb_dwarf2;
+
+namespace {
+
+// The first entry of the tag whose range holds the address. A declaration
+// without addresses never matches.
+bool find_holder(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, uint32_t addr, dwarf2_die* found) {
+    dwarf2_die die;
+    while (find_tag(s, cu, tag, &die)) {
+        dwarf2_value v;
+        uint64_t low = find_attribute(s, cu, die, DW_AT_low_pc, &v) ? v.number : 0xFFFFFFFFu;
+        uint64_t high = find_attribute(s, cu, die, DW_AT_high_pc, &v) ? v.number : 0;
+        if (low <= addr && addr < high) {
+            *found = die;
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
+    std::string directory = "<none>", file_name = "<none>", function = "<nofunc>";
+    int32_t line = 0;
+    dwarf2_open_elf_file(file);
+    dwarf2_sections s{zdb_section_bytes(file, file->debug_info), zdb_section_bytes(file, file->debug_abbrev),
+                      zdb_section_bytes(file, file->debug_str), zdb_section_bytes(file, file->debug_line)};
+    if (s.info.empty() || s.abbrev.empty()) return nullptr;
+
+    // Find the unit: by its range where it has one, else by its line program.
+    dwarf2_cu cu;
+    dwarf2_die unit;
+    dwarf2_value v;
+    for (;;) {
+        if (!find_cu(s, &cu)) return nullptr;
+        if (cu.version == 0 || cu.version > 3 || cu.address_size != 4) return nullptr;
+        unit = dwarf2_die{};
+        if (!find_tag(s, cu, DW_TAG_compile_unit, &unit)) {
+            std::fprintf(stderr, "Can't find DW_TAG_compile_unit tag in compile unit.\n");
+            return nullptr;
+        }
+        bool matched = false;
+        dwarf2_value low, high;
+        if (find_attribute(s, cu, unit, DW_AT_low_pc, &low) && find_attribute(s, cu, unit, DW_AT_high_pc, &high)) {
+            if (addr < low.number || addr >= high.number) continue;
+            matched = true;
+        }
+        if (!find_attribute(s, cu, unit, DW_AT_stmt_list, &v)) break;
+        if (find_fileline(s, v.number, addr, &file_name, &line)) break;
+        if (matched) return nullptr;
+    }
+    if (find_attribute(s, cu, unit, DW_AT_comp_dir, &v)) directory.assign(v.string);
+
+    // A subprogram wins over an inlined subroutine that also holds the address.
+    dwarf2_die holder;
+    if (find_holder(s, cu, DW_TAG_subprogram, addr, &holder) ||
+        find_holder(s, cu, DW_TAG_inlined_subroutine, addr, &holder)) {
+        dwarf2_die named = holder;
+        bool have = true;
+        if (find_attribute(s, cu, holder, DW_AT_abstract_origin, &v)) have = get_tag(s, cu, v.number, &named);
+        if (have && find_attribute(s, cu, named, DW_AT_name, &v)) function.assign(v.string);
+    }
+
+    auto info = std::make_unique<zdb_addr_info>();
+    info->line = line;
+    info->path_a_offset = zdb_add_string(info.get(), file_name.starts_with('/') ? std::string_view() : directory);
+    info->path_b_offset = zdb_add_string(info.get(), file_name);
+    info->function_offset = zdb_add_string(info.get(), function);
+    return info;
+}

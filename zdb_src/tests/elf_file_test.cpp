@@ -1,0 +1,158 @@
+// Opening symbol files: the sections found, and every way a bad file ends
+// the run (in a child process, with its exit status and both streams).
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "zdb_src/tests/zdb_test_util.h"
+#include "zdb_src/zdb_internal.h"
+
+namespace {
+
+const std::string not_elf = "zdb: This is not an ELF file\n";
+
+elf_image_desc small_exec() {
+    elf_image_desc image;
+    image.sections = {text_section(0x1000, 0x100)};
+    image.symbols = {{"main", 0x1000, 2}};
+    return image;  // sections: 1 .text, 2 .symtab, 3 .strtab, 4 .shstrtab
+}
+
+void put32_be(std::vector<uint8_t>& b, size_t at, uint32_t v) {
+    for (int i = 0; i < 4; i++) b[at + i] = uint8_t(v >> (24 - 8 * i));
+}
+
+uint32_t get32_be(const std::vector<uint8_t>& b, size_t at) {
+    return uint32_t(b[at]) << 24 | uint32_t(b[at + 1]) << 16 | uint32_t(b[at + 2]) << 8 | b[at + 3];
+}
+
+}  // namespace
+
+TEST(ElfOpen, FailuresEndTheRunAsTheTableSays) {
+    child_result missing = open_in_child("/nonexistent/zdb/load_module.elf");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "\033[0mzdb: [open_elf_file]: No such file or directory\n");
+    EXPECT_EQ(missing.out, "");
+
+    std::string text = write_temp_file("text.elf", {'h', 'e', 'l', 'l', 'o', '\n'});
+    child_result plain = open_in_child(text);
+    EXPECT_EQ(plain.status, 1);
+    EXPECT_EQ(plain.out, not_elf);
+    EXPECT_EQ(plain.err, "");
+
+    std::string empty = write_temp_file("empty.elf", {});
+    EXPECT_EQ(open_in_child(empty).out, not_elf);
+
+    // Relocatable and shared files end the run without a word.
+    child_result object = open_in_child(fixture("ppc_app_util.o"));
+    EXPECT_EQ(object.status, 1);
+    EXPECT_EQ(object.out + object.err, "");
+    elf_image_desc shared = small_exec();
+    shared.e_type = 3;
+    std::string dyn = write_temp_file("shared.elf", build_elf(shared));
+    child_result shared_result = open_in_child(dyn);
+    EXPECT_EQ(shared_result.status, 1);
+    EXPECT_EQ(shared_result.out + shared_result.err, "");
+
+    // A folder opens but can't be mapped.
+    child_result folder = open_in_child("/tmp");
+    EXPECT_EQ(folder.status, 1);
+    EXPECT_EQ(folder.err.rfind("zdb: [open_elf_file] : ", 0), 0u) << folder.err;
+
+    // A FIFO has no size and no writer: no wait, no ELF file.
+    std::string fifo = write_temp_file("fifo.elf", {});
+    unlink(fifo.c_str());
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(open_in_child(fifo).out, not_elf);
+
+    EXPECT_EQ(open_in_child(fixture("ppc_app.elf")).status, 0);
+    for (const auto& p : {text, empty, dyn, fifo}) unlink(p.c_str());
+}
+
+TEST(ElfOpen, TruncatedExecutableIsNotAnElfFileAtAnyLength) {
+    std::vector<uint8_t> whole = read_file(fixture("ppc_app.elf"));
+    ASSERT_GT(whole.size(), 1000u);
+    uint32_t shoff = get32_be(whole, 32);
+    std::vector<size_t> cuts = {1, 4, 5, 6, 51, 52, shoff, shoff + 39, shoff + 40, whole.size() - 1};
+    for (size_t cut = 7; cut < whole.size(); cut += 257) cuts.push_back(cut);
+    for (size_t cut : cuts) {
+        std::string path = write_temp_file("cut.elf", {whole.begin(), whole.begin() + cut});
+        child_result r = open_in_child(path);
+        EXPECT_EQ(r.status, 1) << "cut at " << cut;
+        EXPECT_EQ(r.out, not_elf) << "cut at " << cut;
+        unlink(path.c_str());
+    }
+}
+
+TEST(ElfOpen, TablesAndSectionsOutsideTheFileAreNotAnElfFile) {
+    std::vector<uint8_t> good = build_elf(small_exec());
+    uint32_t shoff = get32_be(good, 32);
+    auto patched = [&](size_t at, uint32_t v, bool half = false) {
+        std::vector<uint8_t> b = good;
+        if (half) b[at] = uint8_t(v >> 8), b[at + 1] = uint8_t(v);
+        else put32_be(b, at, v);
+        return b;
+    };
+    std::vector<std::vector<uint8_t>> bad = {
+        patched(32, 0xFFFFFFF0u),                    // e_shoff
+        patched(48, 0xFFFF, true),                   // e_shnum
+        patched(50, 9, true),                        // e_shstrndx beyond e_shnum
+        patched(shoff + 2 * 40 + 16, 0xFFFFFF00u),   // .symtab's offset
+        patched(shoff + 3 * 40 + 20, 0x7FFFFFFFu),   // .strtab's size
+        patched(shoff + 4 * 40 + 16, 0xFFFFFFFCu),   // the name table's offset
+    };
+    for (size_t i = 0; i < bad.size(); i++) {
+        std::string path = write_temp_file("bad.elf", bad[i]);
+        child_result r = open_in_child(path);
+        EXPECT_EQ(r.status, 1) << "case " << i;
+        EXPECT_EQ(r.out, not_elf) << "case " << i;
+        unlink(path.c_str());
+    }
+    // .text is never read: its bytes may lie anywhere.
+    std::string path = write_temp_file("text_outside.elf", patched(shoff + 40 + 16, 0xFFFFFF00u));
+    EXPECT_EQ(open_in_child(path).status, 0);
+    unlink(path.c_str());
+}
+
+TEST(ElfOpen, FindsTheSectionsOfARealExecutable) {
+    zdb_file f;
+    zdb_open_file(&f, fixture("ppc_app.elf").c_str());
+    EXPECT_EQ(f.ehdr, f.base);
+    EXPECT_NE(f.fd, 0);
+    EXPECT_EQ(f.is_dwarf2, 1);
+    for (const uint8_t* sh : {f.text, f.symtab, f.strtab, f.debug_info, f.debug_abbrev, f.debug_line, f.debug_str})
+        EXPECT_NE(sh, nullptr);
+    EXPECT_EQ(f.debug, nullptr);
+    EXPECT_EQ(f.line, nullptr);
+    EXPECT_EQ(zdb_find_section(&f, ".text"), f.text);
+    EXPECT_EQ(zdb_sh_addr(f.text) & 0xF0000000u, 0x10000000u);
+    EXPECT_EQ(zdb_find_section(&f, ".tex"), nullptr);
+    EXPECT_EQ(zdb_find_section(&f, ".no_such_section"), nullptr);
+    zdb_close_file(&f);
+    EXPECT_EQ(f.base, nullptr);
+
+    zdb_open_file(&f, fixture("ppc_app_nodebug.elf").c_str());
+    EXPECT_EQ(f.is_dwarf2, 0);
+    EXPECT_EQ(f.debug_info, nullptr);
+    EXPECT_NE(f.symtab, nullptr);
+    zdb_close_file(&f);
+}
+
+TEST(ElfOpen, EmptyRecordAndStrippedFileGiveNoSymbol) {
+    zdb_file f;
+    zdb_open_file(&f, nullptr);
+    EXPECT_EQ(f.base, nullptr);
+    EXPECT_EQ(zdb_translate_addr(&f, 0x10000100), nullptr);
+    EXPECT_EQ(zdb_elf_translate_addr(&f, 0x10000100), nullptr);
+    EXPECT_EQ(zdb_find_section(&f, ".text"), nullptr);
+    zdb_close_file(&f);
+    zdb_close_file(&f);
+
+    zdb_open_file(&f, fixture("ppc_app_stripped.elf").c_str());
+    ASSERT_NE(f.text, nullptr);
+    EXPECT_EQ(f.symtab, nullptr);
+    EXPECT_EQ(zdb_elf_translate_addr(&f, zdb_sh_addr(f.text)), nullptr);
+    EXPECT_EQ(zdb_translate_addr(&f, zdb_sh_addr(f.text)), nullptr);
+    zdb_close_file(&f);
+}
