@@ -4,17 +4,16 @@
 #include <cstdlib>
 #include <span>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "errlog/trace_ring.h"
+#include "tools/manifest_words.h"
 
 namespace {
 
-struct script_error {
-    std::string what;
-};
 
-[[noreturn]] void fail(const std::string& what) { throw script_error{what}; }
+[[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what); }
 
 void put_u16(bytes& b, uint16_t v) {
     b.push_back(uint8_t(v >> 8));
@@ -31,82 +30,11 @@ uint32_t get_be32(std::span<const uint8_t> img, uint64_t at) {
     return uint32_t(img[at]) << 24 | uint32_t(img[at + 1]) << 16 | uint32_t(img[at + 2]) << 8 | img[at + 3];
 }
 
-uint32_t number(const std::string& s) {
-    if (s.empty()) fail("missing number");
-    char* end = nullptr;
-    unsigned long long v = std::strtoull(s.c_str(), &end, 0);
-    if (*end != '\0' || v > 0xFFFFFFFFull) fail("bad number '" + s + "'");
-    return uint32_t(v);
-}
-
 // A value that may be given relative to the current one: +N or -N.
 uint32_t adjusted(const std::string& s, uint32_t current) {
-    if (!s.empty() && s[0] == '+') return current + number(s.substr(1));
-    if (!s.empty() && s[0] == '-') return current - number(s.substr(1));
-    return number(s);
-}
-
-bytes hex_bytes(const std::string& text) {
-    bytes out;
-    std::string digits;
-    for (char c : text)
-        if (c != ' ') digits.push_back(c);
-    if (digits.size() % 2) fail("odd number of hex digits");
-    for (size_t i = 0; i < digits.size(); i += 2) {
-        char* end = nullptr;
-        std::string two = digits.substr(i, 2);
-        unsigned long v = std::strtoul(two.c_str(), &end, 16);
-        if (*end != '\0') fail("bad hex '" + two + "'");
-        out.push_back(uint8_t(v));
-    }
-    return out;
-}
-
-// A quoted text with C escapes, or a bare word.
-std::string word(const std::string& line, size_t& i) {
-    std::string out;
-    if (i < line.size() && line[i] == '"') {
-        for (i++; i < line.size() && line[i] != '"'; i++) {
-            if (line[i] != '\\') {
-                out.push_back(line[i]);
-                continue;
-            }
-            if (++i >= line.size()) fail("escape at end of line");
-            switch (line[i]) {
-            case 'n': out.push_back('\n'); break;
-            case 't': out.push_back('\t'); break;
-            case '0': out.push_back('\0'); break;
-            case '\\': out.push_back('\\'); break;
-            case '"': out.push_back('"'); break;
-            case 'x':
-                if (i + 2 >= line.size()) fail("short \\x escape");
-                out.push_back(char(std::strtoul(line.substr(i + 1, 2).c_str(), nullptr, 16)));
-                i += 2;
-                break;
-            default: fail(std::string("unknown escape \\") + line[i]);
-            }
-        }
-        if (i >= line.size()) fail("unterminated quote");
-        i++;
-        return out;
-    }
-    while (i < line.size() && line[i] != ' ' && line[i] != '\t') out.push_back(line[i++]);
-    return out;
-}
-
-using key_values = std::vector<std::pair<std::string, std::string>>;
-
-key_values pairs(const std::string& line, size_t i) {
-    key_values out;
-    for (;;) {
-        while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) i++;
-        if (i >= line.size()) return out;
-        size_t eq = line.find('=', i);
-        if (eq == std::string::npos) fail("expected key=value in '" + line + "'");
-        std::string key = line.substr(i, eq - i);
-        i = eq + 1;
-        out.emplace_back(key, word(line, i));
-    }
+    if (!s.empty() && s[0] == '+') return current + manifest_number(s.substr(1));
+    if (!s.empty() && s[0] == '-') return current - manifest_number(s.substr(1));
+    return manifest_number(s);
 }
 
 // The clock the ring's writer reads through its time hook.
@@ -161,24 +89,24 @@ void do_entry(script_state& s, const key_values& kv) {
     uint32_t count = 1;
     bool refuse_ok = false;
     for (auto& [k, v] : kv) {
-        if (k == "seconds") e.seconds = number(v);
-        else if (k == "base") e.base_ticks = number(v);
-        else if (k == "line") e.line = uint16_t(number(v));
-        else if (k == "group") e.group = number(v);
+        if (k == "seconds") e.seconds = manifest_number(v);
+        else if (k == "base") e.base_ticks = manifest_number(v);
+        else if (k == "line") e.line = uint16_t(manifest_number(v));
+        else if (k == "group") e.group = manifest_number(v);
         else if (k == "file") e.file = v;
         else if (k == "msg") e.msg = v;
         else if (k == "suffix") e.suffix = v;
-        else if (k == "bin") e.bin = hex_bytes(v);
-        else if (k == "msgpos") e.msg_pos = uint16_t(number(v));
-        else if (k == "filepos") e.file_pos = uint16_t(number(v));
-        else if (k == "suffixpos") e.suffix_pos = uint16_t(number(v));
-        else if (k == "binpos") e.bin_pos = uint16_t(number(v));
-        else if (k == "binlen") e.bin_len = uint16_t(number(v));
-        else if (k == "size") asked = number(v);
+        else if (k == "bin") e.bin = manifest_hex(v);
+        else if (k == "msgpos") e.msg_pos = uint16_t(manifest_number(v));
+        else if (k == "filepos") e.file_pos = uint16_t(manifest_number(v));
+        else if (k == "suffixpos") e.suffix_pos = uint16_t(manifest_number(v));
+        else if (k == "binpos") e.bin_pos = uint16_t(manifest_number(v));
+        else if (k == "binlen") e.bin_len = uint16_t(manifest_number(v));
+        else if (k == "size") asked = manifest_number(v);
         else if (k == "state") state = v;
-        else if (k == "count") count = number(v);
-        else if (k == "ticks") clock_ticks = number(v);
-        else if (k == "usec") clock_usec = number(v);
+        else if (k == "count") count = manifest_number(v);
+        else if (k == "ticks") clock_ticks = manifest_number(v);
+        else if (k == "usec") clock_usec = manifest_number(v);
         else if (k == "refuse") refuse_ok = v == "ok";
         else fail("unknown entry key '" + k + "'");
     }
@@ -200,9 +128,9 @@ void do_header(script_state& s, const key_values& kv) {
         else if (k == "tail") field32(TRACE_TAIL, v);
         else if (k == "start") field32(TRACE_START, v);
         else if (k == "end") field32(TRACE_END, v);
-        else if (k == "enabled") put_be(img, ring + TRACE_ENABLED, number(v), 1);
-        else if (k == "generation") put_be(img, ring + TRACE_GENERATION, number(v), 1);
-        else if (k == "version") put_be(img, ring + TRACE_VERSION, number(v), 1);
+        else if (k == "enabled") put_be(img, ring + TRACE_ENABLED, manifest_number(v), 1);
+        else if (k == "generation") put_be(img, ring + TRACE_GENERATION, manifest_number(v), 1);
+        else if (k == "version") put_be(img, ring + TRACE_VERSION, manifest_number(v), 1);
         else if (k == "name") {
             for (uint32_t i = 0; i < TRACE_NAME_SIZE; i++) put_be(img, ring + TRACE_NAME + i, i < v.size() ? uint8_t(v[i]) : 0, 1);
         } else fail("unknown header key '" + k + "'");
@@ -213,7 +141,7 @@ void do_mark(script_state& s, const key_values& kv) {
     std::span<uint8_t> img(s.image);
     std::optional<uint32_t> n;
     for (auto& [k, v] : kv)
-        if (k == "n") n = number(v);
+        if (k == "n") n = manifest_number(v);
     if (!n || *n >= s.blocks.size()) fail("mark needs n= of an allocated block");
     const uint64_t block = s.blocks[*n] - TRACE_UNIT;
     for (auto& [k, v] : kv) {
@@ -224,10 +152,10 @@ void do_mark(script_state& s, const key_values& kv) {
         if (k == "n") continue;
         else if (k == "units") field16(BLOCK_UNITS, v);
         else if (k == "size") field16(BLOCK_SIZE, v);
-        else if (k == "skip") put_be(img, block + BLOCK_SKIP, number(v), 1);
-        else if (k == "state") put_be(img, block + BLOCK_STATE, number(v), 1);
-        else if (k == "generation") put_be(img, block + BLOCK_GENERATION, number(v), 1);
-        else if (k == "ticks") put_be(img, block + BLOCK_TICKS, number(v), 4);
+        else if (k == "skip") put_be(img, block + BLOCK_SKIP, manifest_number(v), 1);
+        else if (k == "state") put_be(img, block + BLOCK_STATE, manifest_number(v), 1);
+        else if (k == "generation") put_be(img, block + BLOCK_GENERATION, manifest_number(v), 1);
+        else if (k == "ticks") put_be(img, block + BLOCK_TICKS, manifest_number(v), 4);
         else fail("unknown mark key '" + k + "'");
     }
 }
@@ -237,9 +165,9 @@ void run_line(script_state& s, const std::string& cmd, const key_values& kv) {
     if (cmd == "image") {
         uint32_t size = 0, fill = 0;
         for (auto& [k, v] : kv) {
-            if (k == "size") size = number(v);
-            else if (k == "fill") fill = number(v);
-            else if (k == "address") s.address = number(v);
+            if (k == "size") size = manifest_number(v);
+            else if (k == "fill") fill = manifest_number(v);
+            else if (k == "address") s.address = manifest_number(v);
             else fail("unknown image key '" + k + "'");
         }
         if (size > (64u << 20)) fail("image too large");
@@ -248,8 +176,8 @@ void run_line(script_state& s, const std::string& cmd, const key_values& kv) {
         uint32_t at = 0, size = 0;
         std::string name = "Trace&ErrorLog";
         for (auto& [k, v] : kv) {
-            if (k == "at") at = number(v);
-            else if (k == "size") size = number(v);
+            if (k == "at") at = manifest_number(v);
+            else if (k == "size") size = manifest_number(v);
             else if (k == "name") name = v;
             else fail("unknown ring key '" + k + "'");
         }
@@ -266,9 +194,9 @@ void run_line(script_state& s, const std::string& cmd, const key_values& kv) {
         clear_trace(img, latest_ring(s));
     } else if (cmd == "clock") {
         for (auto& [k, v] : kv) {
-            if (k == "ticks") clock_ticks = number(v);
-            else if (k == "usec") clock_usec = number(v);
-            else if (k == "step") clock_step = number(v);
+            if (k == "ticks") clock_ticks = manifest_number(v);
+            else if (k == "usec") clock_usec = manifest_number(v);
+            else if (k == "step") clock_step = manifest_number(v);
             else fail("unknown clock key '" + k + "'");
         }
     } else if (cmd == "entry") {
@@ -278,8 +206,8 @@ void run_line(script_state& s, const std::string& cmd, const key_values& kv) {
         std::optional<uint32_t> asked;
         std::string state = "done";
         for (auto& [k, v] : kv) {
-            if (k == "hex") data = hex_bytes(v);
-            else if (k == "size") asked = number(v);
+            if (k == "hex") data = manifest_hex(v);
+            else if (k == "size") asked = manifest_number(v);
             else if (k == "state") state = v;
             else fail("unknown block key '" + k + "'");
         }
@@ -292,8 +220,8 @@ void run_line(script_state& s, const std::string& cmd, const key_values& kv) {
         uint32_t at = 0;
         bytes data;
         for (auto& [k, v] : kv) {
-            if (k == "at") at = number(v);
-            else if (k == "hex") data = hex_bytes(v);
+            if (k == "at") at = manifest_number(v);
+            else if (k == "hex") data = manifest_hex(v);
             else fail("unknown poke key '" + k + "'");
         }
         for (size_t i = 0; i < data.size(); i++) put_be(img, uint64_t(at) + i, data[i], 1);
@@ -348,17 +276,17 @@ bool te_build_script(const std::string& text, bytes* image, std::string* error) 
             size_t i = 0;
             while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) i++;
             if (i >= line.size() || line[i] == '#') continue;
-            std::string cmd = word(line, i);
-            run_line(s, cmd, pairs(line, i));
+            std::string cmd = manifest_word(line, i);
+            run_line(s, cmd, manifest_pairs(line, i));
         }
         // The ring's addresses as the target stores them.
         std::span<uint8_t> img(s.image);
         for (uint32_t ring : s.rings)
             for (uint32_t field : {TRACE_HEAD, TRACE_TAIL, TRACE_START, TRACE_END})
                 put_be(img, uint64_t(ring) + field, get_be32(img, uint64_t(ring) + field) + s.address, 4);
-    } catch (const script_error& e) {
+    } catch (const std::runtime_error& e) {
         trace_systime = saved;
-        *error = "line " + std::to_string(lineno) + ": " + e.what;
+        *error = "line " + std::to_string(lineno) + ": " + e.what();
         return false;
     }
     trace_systime = saved;

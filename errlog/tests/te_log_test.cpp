@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/capture.h"
+
 #include <cstdio>
 #include <string>
 
@@ -20,14 +22,7 @@ uint32_t be32(const bytes& v, size_t at) {
 }
 
 std::string printed(bytes& image, const char* timer, int* result) {
-    char* buf = nullptr;
-    size_t len = 0;
-    FILE* f = open_memstream(&buf, &len);
-    *result = te_print_log(f, image, timer);
-    std::fclose(f);
-    std::string out(buf, len);
-    std::free(buf);
-    return out;
+    return capture([&](FILE* f) { *result = te_print_log(f, image, timer); });
 }
 
 // 32 bytes and 4 units with a message of two characters.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/capture.h"
+
 #include <cstdio>
 #include <string>
 
@@ -14,16 +16,6 @@ std::string line(const std::string& name, const std::string& type, const std::st
     return "\"" + name + "\" " + type + " 2 3 4 5 6 7 8 9 10 11 12 13 " + pid + " 15\n";
 }
 
-std::string captured(const std::function<void(FILE*)>& print) {
-    char* buf = nullptr;
-    size_t len = 0;
-    FILE* f = open_memstream(&buf, &len);
-    print(f);
-    std::fclose(f);
-    std::string out(buf, len);
-    std::free(buf);
-    return out;
-}
 
 struct ProcessRows : ::testing::Test {
     void TearDown() override { free_process_rows(); }
@@ -90,7 +82,7 @@ TEST_F(ProcessRows, SwapListShowsNamesTypesAndDeltaTimes) {
     // 1000 then 900: 4.00 on a timer of 25 ticks per microsecond. A lower
     // previous stamp means the timer wrapped at 32 bits.
     std::string text = "pid time\n00010001 1000\n00010002 900 x\n00010001 1000 a7\n5 1x\n";
-    std::string out = captured([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), "tkr5"); });
+    std::string out = capture([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), "tkr5"); });
     EXPECT_EQ(out,
               "  pid   Process name                    Type          time  (delta time in \xB5s) \n"
               "  00010001   \"main\"                          prio       1000  (0.00)\n"
@@ -106,7 +98,7 @@ TEST_F(ProcessRows, SwapListShowsNamesTypesAndDeltaTimes) {
 
 TEST_F(ProcessRows, SwapListKeepsTheDifferenceWhileThePreviousStampIsZero) {
     std::string text = "\n01 20\n02 10\n03 00\n04 30\n";
-    std::string out = captured([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), "QOT1"); });
+    std::string out = capture([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), "QOT1"); });
     EXPECT_EQ(out,
               "  \n"
               "  01   --                              --         20  (0.00)\n\n"
@@ -122,7 +114,7 @@ TEST_F(ProcessRows, SwapListCutsLongWordsAndUsesTheDefaultRate) {
     EXPECT_EQ(swap_ticks_per_us(""), 66u);
     const std::string long_word(40, '9');
     std::string text = "\n0" + long_word + " 9" + long_word + "\n";
-    std::string out = captured([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), ""); });
+    std::string out = capture([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(text), ""); });
     EXPECT_NE(out.find("0" + long_word + "   --"), std::string::npos);
     EXPECT_NE(out.find("  (0.00)\n"), std::string::npos);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/capture.h"
+
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -17,14 +19,7 @@ std::vector<uint8_t> ramlog(uint32_t a, uint32_t b, uint32_t size, const std::st
 }
 
 std::string printed(const std::vector<uint8_t>& payload) {
-    char* buf = nullptr;
-    size_t len = 0;
-    FILE* f = open_memstream(&buf, &len);
-    print_ramlog(f, payload);
-    std::fclose(f);
-    std::string out(buf, len);
-    std::free(buf);
-    return out;
+    return capture([&](FILE* f) { print_ramlog(f, payload); });
 }
 
 TEST(Ramlog, StaysInsideAShortPayload) {
