@@ -29,15 +29,22 @@ uint64_t krd_max_inflated(uint64_t packed) { return packed * 1032 + 1032; }
 static void* zalloc_cb(void*, unsigned items, unsigned size) { return std::calloc(items, size); }
 static void zfree_cb(void*, void* p) { free_buf(&p); }
 
-// The reference loop: one compressed byte per inflate call.
-static int inflate_bytewise(krd_file* f, const krd_image_info& img, uint8_t* dest) {
-    z_stream zs{};
+// A stream that writes the image's size bytes to dest, the file standing on
+// its first compressed byte.
+static bool start_inflate(z_stream& zs, krd_file* f, const krd_image_info& img, uint8_t* dest) {
+    zs = z_stream{};
     zs.zalloc = zalloc_cb;
     zs.zfree = zfree_cb;
     krd_seek(f, img.data_offset, 0);
     zs.next_out = dest;
     zs.avail_out = img.size;
-    if (inflateInit(&zs) != Z_OK) return 1;
+    return inflateInit(&zs) == Z_OK;
+}
+
+// The reference loop: one compressed byte per inflate call.
+static int inflate_bytewise(krd_file* f, const krd_image_info& img, uint8_t* dest) {
+    z_stream zs;
+    if (!start_inflate(zs, f, img, dest)) return 1;
     int result = 0;
     while (zs.total_out < img.size && zs.total_in < img.packed_size) {
         uint8_t b = krd_get_byte(f);
@@ -63,13 +70,8 @@ int krd_inflate_image(krd_file* f, const krd_section* node, uint8_t* dest) {
     const krd_image_info img = *node->image;
     if (krd_get_byte != krd_read_byte) return inflate_bytewise(f, img, dest);
 
-    z_stream zs{};
-    zs.zalloc = zalloc_cb;
-    zs.zfree = zfree_cb;
-    krd_seek(f, img.data_offset, 0);
-    zs.next_out = dest;
-    zs.avail_out = img.size;
-    if (inflateInit(&zs) != Z_OK) return 1;
+    z_stream zs;
+    if (!start_inflate(zs, f, img, dest)) return 1;
     constexpr uint32_t piece = 1u << 16;
     static uint8_t in[piece];
     bool failed = false;

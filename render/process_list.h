@@ -1,4 +1,6 @@
 // The process list (names for process identities) and the swap-in list.
+#pragma once
+
 #include <cstdint>
 #include <cstdio>
 #include <span>
@@ -6,7 +8,6 @@
 
 #include "pmd/krd_file.h"
 #include "pmd/section_chain.h"
-#pragma once
 
 // One row of the process list: three zero-terminated texts.
 struct process_row {
@@ -15,13 +16,28 @@ struct process_row {
     char pid[50];
 };
 
-// Rows 0 to process_row_count, that one included, may hold a process.
+// Rows 0 to process_row_count, that one included, may hold a process: the
+// row behind the last complete one holds a last line without a newline.
 extern std::vector<process_row> process_rows;
 extern uint32_t process_row_count;
 extern uint32_t process_row_capacity;
 
+// The rows are never more than this; a longer list keeps its first rows.
+inline constexpr uint32_t process_row_limit = 1u << 17;
+
 void load_process_rows(FILE* stream, krd_file* f, krd_section* chain);
 void read_text_process_dump(FILE* stream, std::span<const uint8_t> text);
 void free_process_rows();
+// The row whose pid text equals the key, or none.
+const process_row* find_process_row(const char* pid);
+
+// Prints the process list and writes the same lines to "Proc_list_temp.txt".
 void print_text_process_dump(FILE* stream, std::span<const uint8_t> text);
+
+// A board's timer rate, the divisor of the swap-in list's time differences.
+struct swap_board {
+    const char* name;
+    uint32_t ticks_per_us;
+};
+uint32_t swap_ticks_per_us(const char* board);
 void print_text_process_swap_dump(FILE* stream, std::span<const uint8_t> text, const char* board);

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "tools/errlog_image.h"
+#include "tools/manifest_words.h"
 
 namespace {
 
@@ -37,101 +38,33 @@ struct bad_input : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-uint32_t number(const std::string& s) {
-    char* end = nullptr;
-    unsigned long long v = std::strtoull(s.c_str(), &end, 0);
-    if (s.empty() || *end != '\0' || v > 0xFFFFFFFFull) throw bad_input("bad number '" + s + "'");
-    return uint32_t(v);
-}
-
-void skip_blanks(const std::string& line, size_t& i) {
-    while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) i++;
-}
-
-// A quoted text with C escapes, or a bare word up to the next blank.
-std::string word(const std::string& line, size_t& i) {
-    std::string out;
-    if (i < line.size() && line[i] == '"') {
-        for (i++; i < line.size() && line[i] != '"'; i++) {
-            if (line[i] != '\\') {
-                out.push_back(line[i]);
-                continue;
-            }
-            if (++i >= line.size()) throw bad_input("escape at end of line");
-            switch (line[i]) {
-            case 'n': out.push_back('\n'); break;
-            case 't': out.push_back('\t'); break;
-            case 'r': out.push_back('\r'); break;
-            case '0': out.push_back('\0'); break;
-            case '\\': out.push_back('\\'); break;
-            case '"': out.push_back('"'); break;
-            case 'x':
-                if (i + 2 >= line.size()) throw bad_input("short \\x escape");
-                out.push_back(char(std::strtoul(line.substr(i + 1, 2).c_str(), nullptr, 16)));
-                i += 2;
-                break;
-            default: throw bad_input(std::string("unknown escape \\") + line[i]);
-            }
-        }
-        if (i >= line.size()) throw bad_input("unterminated quote");
-        i++;
-        return out;
-    }
-    while (i < line.size() && line[i] != ' ' && line[i] != '\t') out.push_back(line[i++]);
-    return out;
-}
-
-std::vector<std::pair<std::string, std::string>> pairs(const std::string& line, size_t i) {
-    std::vector<std::pair<std::string, std::string>> out;
-    for (;;) {
-        skip_blanks(line, i);
-        if (i >= line.size()) return out;
-        size_t eq = line.find('=', i);
-        if (eq == std::string::npos) throw bad_input("expected key=value");
-        std::string key = line.substr(i, eq - i);
-        i = eq + 1;
-        out.emplace_back(key, word(line, i));
-    }
-}
-
 void three(const std::string& v, uint8_t* out) {
     std::istringstream in(v);
     std::string part;
     for (int k = 0; k < 3; k++) {
         if (!std::getline(in, part, ',')) throw bad_input("expected three numbers in '" + v + "'");
-        out[k] = uint8_t(number(part));
+        out[k] = uint8_t(manifest_number(part));
     }
 }
 
 void record_key(lg_image_record& r, const std::string& k, const std::string& v) {
-    if (k == "code") r.code = number(v);
-    else if (k == "reporter") r.reporter = uint8_t(number(v));
-    else if (k == "flags") r.flags = uint8_t(number(v));
+    if (k == "code") r.code = manifest_number(v);
+    else if (k == "reporter") r.reporter = uint8_t(manifest_number(v));
+    else if (k == "flags") r.flags = uint8_t(manifest_number(v));
     else if (k == "date") three(v, r.date);
     else if (k == "time") three(v, r.time);
-    else if (k == "queued") r.queued = number(v), r.process_block = true;
-    else if (k == "owned") r.owned = number(v), r.process_block = true;
-    else if (k == "line") r.line = number(v), r.process_block = true;
+    else if (k == "queued") r.queued = manifest_number(v), r.process_block = true;
+    else if (k == "owned") r.owned = manifest_number(v), r.process_block = true;
+    else if (k == "line") r.line = manifest_number(v), r.process_block = true;
     else if (k == "file") r.file = v, r.process_block = true;
     else if (k == "process") r.process = v, r.process_block = true;
-    else if (k == "restart") r.restart_type = uint8_t(number(v));
-    else if (k == "pmd") r.pmd_identity = number(v);
-    else if (k == "rank") r.rank = uint8_t(number(v));
-    else if (k == "ext") r.ext_len = number(v);
-    else if (k == "length") r.length = number(v);
-    else if (k == "head") r.head_upper = number(v);
+    else if (k == "restart") r.restart_type = uint8_t(manifest_number(v));
+    else if (k == "pmd") r.pmd_identity = manifest_number(v);
+    else if (k == "rank") r.rank = uint8_t(manifest_number(v));
+    else if (k == "ext") r.ext_len = manifest_number(v);
+    else if (k == "length") r.length = manifest_number(v);
+    else if (k == "head") r.head_upper = manifest_number(v);
     else throw bad_input("unknown record key '" + k + "'");
-}
-
-std::vector<uint8_t> hex_bytes(const std::string& text) {
-    std::vector<uint8_t> out;
-    std::istringstream in(text);
-    std::string w;
-    while (in >> w) {
-        if (w.size() % 2) throw bad_input("odd number of hex digits in '" + w + "'");
-        for (size_t i = 0; i < w.size(); i += 2) out.push_back(uint8_t(std::stoul(w.substr(i, 2), nullptr, 16)));
-    }
-    return out;
 }
 
 // The manifest lines of one area: a comment per record and 16 bytes a line.
@@ -165,8 +98,8 @@ void expand(std::istream& in, std::ostream& out) {
         while (std::getline(in, line)) {
             lineno++;
             size_t i = 0;
-            skip_blanks(line, i);
-            std::string cmd = word(line, i);
+            manifest_skip_blanks(line, i);
+            std::string cmd = manifest_word(line, i);
             if (!in_ring) {
                 if (cmd != "ring") {
                     out << line << "\n";
@@ -175,13 +108,13 @@ void expand(std::istream& in, std::ostream& out) {
                 in_ring = true;
                 ring = lg_image_ring{};
                 recs.clear();
-                for (auto& [k, v] : pairs(line, i)) {
-                    if (k == "size") ring.size = number(v);
-                    else if (k == "start") ring.start = number(v);
-                    else if (k == "first") ring.first = number(v);
-                    else if (k == "last") ring.last = number(v);
-                    else if (k == "fill") ring.fill = uint8_t(number(v));
-                    else if (k == "framed") ring.framed = number(v) != 0;
+                for (auto& [k, v] : manifest_pairs(line, i)) {
+                    if (k == "size") ring.size = manifest_number(v);
+                    else if (k == "start") ring.start = manifest_number(v);
+                    else if (k == "first") ring.first = manifest_number(v);
+                    else if (k == "last") ring.last = manifest_number(v);
+                    else if (k == "fill") ring.fill = uint8_t(manifest_number(v));
+                    else if (k == "framed") ring.framed = manifest_number(v) != 0;
                     else throw bad_input("unknown ring key '" + k + "'");
                 }
                 if (ring.size % 4) throw bad_input("ring size must be a multiple of 4");
@@ -194,23 +127,23 @@ void expand(std::istream& in, std::ostream& out) {
                 in_ring = false;
             } else if (cmd == "record") {
                 recs.emplace_back();
-                for (auto& [k, v] : pairs(line, i)) record_key(recs.back(), k, v);
+                for (auto& [k, v] : manifest_pairs(line, i)) record_key(recs.back(), k, v);
             } else {
                 if (recs.empty()) throw bad_input("data before any record");
                 std::vector<uint8_t>& d = recs.back().data;
-                skip_blanks(line, i);
+                manifest_skip_blanks(line, i);
                 if (cmd == "hex") {
-                    auto b = hex_bytes(line.substr(i));
+                    auto b = manifest_hex(line.substr(i));
                     d.insert(d.end(), b.begin(), b.end());
                 } else if (cmd == "u32") {
-                    while (skip_blanks(line, i), i < line.size()) lg_put_u32(d, number(word(line, i)));
+                    while (manifest_skip_blanks(line, i), i < line.size()) lg_put_u32(d, manifest_number(manifest_word(line, i)));
                 } else if (cmd == "text") {
-                    std::string t = word(line, i);
+                    std::string t = manifest_word(line, i);
                     d.insert(d.end(), t.begin(), t.end());
                 } else if (cmd == "fill") {
-                    uint32_t count = number(word(line, i));
-                    skip_blanks(line, i);
-                    d.insert(d.end(), count, uint8_t(number(word(line, i))));
+                    uint32_t count = manifest_number(manifest_word(line, i));
+                    manifest_skip_blanks(line, i);
+                    d.insert(d.end(), count, uint8_t(manifest_number(manifest_word(line, i))));
                 } else {
                     throw bad_input("unknown directive '" + cmd + "'");
                 }

@@ -129,7 +129,8 @@ void zdb_open_file(zdb_file* file, const char* path) {
     *file = zdb_file{};
     if (!path) return;
 
-    int fd = open(path, O_RDONLY);
+    // Non-blocking, so that a FIFO given by mistake doesn't wait for a writer.
+    int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
         std::perror("\033[0mzdb: [open_elf_file]");
         std::exit(1);
@@ -182,7 +183,10 @@ const uint8_t* zdb_find_section(const zdb_file* file, const char* name) {
     auto names = zdb_section_bytes(file, table + names_index * ZDB_SHDR_SIZE);
     for (uint32_t i = 0; i < count; i++) {
         const uint8_t* sh = table + i * ZDB_SHDR_SIZE;
-        if (zdb_string_at(names, zdb_sh_name(sh)) == name) return sh;
+        uint32_t at = zdb_sh_name(sh);
+        std::string_view found = zdb_string_at(names, at);
+        // A name cut off by the table's end, without its NUL, is no match.
+        if (found == name && uint64_t(at) + found.size() < names.size()) return sh;
     }
     return nullptr;
 }

@@ -6,20 +6,9 @@
 #include <vector>
 
 #include "errlog/error_log.h"
+#include "tests/capture.h"
 #include "tools/errlog_image.h"
 
-// What a printer writes to a stream, as a string.
-template <class Print>
-std::string capture(Print&& print) {
-    char* buf = nullptr;
-    size_t len = 0;
-    FILE* f = open_memstream(&buf, &len);
-    print(f);
-    std::fclose(f);
-    std::string s(buf, len);
-    std::free(buf);
-    return s;
-}
 
 inline std::string print_log(const std::vector<uint8_t>& image, int* result = nullptr, int check_magic = 0) {
     return capture([&](FILE* f) {

@@ -5,21 +5,10 @@
 
 #include "render/dump_printers.h"
 #include "render/section_blocks.h"
+#include "tests/capture.h"
 
 namespace {
 
-// What a printer writes, as text.
-template <typename F>
-std::string capture(F print) {
-    char* buf = nullptr;
-    size_t len = 0;
-    FILE* f = open_memstream(&buf, &len);
-    print(f);
-    std::fclose(f);
-    std::string s(buf, len);
-    free(buf);
-    return s;
-}
 
 std::vector<uint8_t> seq(size_t n, uint8_t first = 0) {
     std::vector<uint8_t> v(n);

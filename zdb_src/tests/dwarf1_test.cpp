@@ -69,11 +69,11 @@ class Dwarf1Translation : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
         dwarf1_writer w = two_units(GetParam());
-        elf_image_spec spec;
-        spec.big_endian = GetParam();
-        spec.sections = {text_section(0x2000, 0x400), {".debug", 1, 0, w.debug.out, 0}, {".line", 1, 0, w.line.out, 0}};
-        spec.symbols = {{"sym_d1", 0x2000}, {"sym_d2", 0x2100}, {"sym_beyond", 0x2200}};
-        open_image(&file, build_elf(spec));
+        elf_image_desc image;
+        image.big_endian = GetParam();
+        image.sections = {text_section(0x2000, 0x400), {".debug", 1, 0, w.debug.out, 0}, {".line", 1, 0, w.line.out, 0}};
+        image.symbols = {{"sym_d1", 0x2000}, {"sym_d2", 0x2100}, {"sym_beyond", 0x2200}};
+        open_image(&file, build_elf(image));
     }
     void TearDown() override { zdb_close_file(&file); }
 

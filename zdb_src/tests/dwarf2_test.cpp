@@ -141,11 +141,11 @@ class Dwarf2Translation : public testing::Test {
         w.info.u8(0);
         w.end_unit(u);
 
-        elf_image_spec spec;
-        spec.sections = w.sections(0x1000, 0x800);
-        spec.symbols = {{"sym_one", 0x1000},   {"sym_outer", 0x1100}, {"sym_late", 0x1180}, {"sym_tail", 0x11C0},
+        elf_image_desc image;
+        image.sections = w.sections(0x1000, 0x800);
+        image.symbols = {{"sym_one", 0x1000},   {"sym_outer", 0x1100}, {"sym_late", 0x1180}, {"sym_tail", 0x11C0},
                         {"sym_three", 0x1300}, {"sym_four", 0x1400},  {"sym_six", 0x1600}};
-        open_image(&file, build_elf(spec));
+        open_image(&file, build_elf(image));
     }
     void TearDown() override { zdb_close_file(&file); }
 

@@ -12,11 +12,11 @@ namespace {
 
 const std::string not_elf = "zdb: This is not an ELF file\n";
 
-elf_image_spec small_exec() {
-    elf_image_spec spec;
-    spec.sections = {text_section(0x1000, 0x100)};
-    spec.symbols = {{"main", 0x1000, 2}};
-    return spec;  // sections: 1 .text, 2 .symtab, 3 .strtab, 4 .shstrtab
+elf_image_desc small_exec() {
+    elf_image_desc image;
+    image.sections = {text_section(0x1000, 0x100)};
+    image.symbols = {{"main", 0x1000, 2}};
+    return image;  // sections: 1 .text, 2 .symtab, 3 .strtab, 4 .shstrtab
 }
 
 void put32_be(std::vector<uint8_t>& b, size_t at, uint32_t v) {
@@ -48,7 +48,7 @@ TEST(ElfOpen, FailuresEndTheRunAsTheTableSays) {
     child_result object = open_in_child(fixture("ppc_app_util.o"));
     EXPECT_EQ(object.status, 1);
     EXPECT_EQ(object.out + object.err, "");
-    elf_image_spec shared = small_exec();
+    elf_image_desc shared = small_exec();
     shared.e_type = 3;
     std::string dyn = write_temp_file("shared.elf", build_elf(shared));
     child_result shared_result = open_in_child(dyn);
@@ -60,8 +60,14 @@ TEST(ElfOpen, FailuresEndTheRunAsTheTableSays) {
     EXPECT_EQ(folder.status, 1);
     EXPECT_EQ(folder.err.rfind("zdb: [open_elf_file] : ", 0), 0u) << folder.err;
 
+    // A FIFO has no size and no writer: no wait, no ELF file.
+    std::string fifo = write_temp_file("fifo.elf", {});
+    unlink(fifo.c_str());
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(open_in_child(fifo).out, not_elf);
+
     EXPECT_EQ(open_in_child(fixture("ppc_app.elf")).status, 0);
-    for (const auto& p : {text, empty, dyn}) unlink(p.c_str());
+    for (const auto& p : {text, empty, dyn, fifo}) unlink(p.c_str());
 }
 
 TEST(ElfOpen, TruncatedExecutableIsNotAnElfFileAtAnyLength) {

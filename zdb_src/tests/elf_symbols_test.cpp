@@ -11,15 +11,15 @@ constexpr uint8_t NOTYPE = 0, OBJECT = 1, FUNC = 2, SECTION = 3, FILE_SYM = 4;
 class ElfSymbols : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
-        elf_image_spec spec;
-        spec.big_endian = GetParam();
-        spec.sections = {text_section(0x0800, 0xD00)};
-        spec.symbols = {
+        elf_image_desc image;
+        image.big_endian = GetParam();
+        image.sections = {text_section(0x0800, 0xD00)};
+        image.symbols = {
             {"gamma", 0x1400, FUNC},         {"alpha", 0x1000, FUNC},        {"beta", 0x1100, FUNC},
             {"beta_table", 0x1180, OBJECT},  {"beta_label", 0x1140, NOTYPE}, {".text", 0x1200, SECTION},
             {"unit.c", 0x1300, FILE_SYM},    {"gamma_alias", 0x1400, FUNC},
         };
-        open_image(&file, build_elf(spec));
+        open_image(&file, build_elf(image));
     }
     void TearDown() override { zdb_close_file(&file); }
 

@@ -55,12 +55,12 @@ void byte_writer::str(const std::string& s) {
     out.push_back(0);
 }
 
-std::vector<uint8_t> build_elf(const elf_image_spec& spec) {
-    std::vector<elf_section_spec> all = spec.sections;
-    if (!spec.symbols.empty()) {
-        byte_writer symtab{spec.big_endian, std::vector<uint8_t>(16, 0)};
-        byte_writer strtab{spec.big_endian, {0}};
-        for (const auto& s : spec.symbols) {
+std::vector<uint8_t> build_elf(const elf_image_desc& image) {
+    std::vector<elf_section_desc> all = image.sections;
+    if (!image.symbols.empty()) {
+        byte_writer symtab{image.big_endian, std::vector<uint8_t>(16, 0)};
+        byte_writer strtab{image.big_endian, {0}};
+        for (const auto& s : image.symbols) {
             symtab.u32(uint32_t(strtab.tell()));
             strtab.str(s.name);
             symtab.u32(s.value);
@@ -72,7 +72,7 @@ std::vector<uint8_t> build_elf(const elf_image_spec& spec) {
         all.push_back({".symtab", 2, 0, symtab.out, 0});
         all.push_back({".strtab", 3, 0, strtab.out, 0});
     }
-    byte_writer names{spec.big_endian, {0}};
+    byte_writer names{image.big_endian, {0}};
     std::vector<uint32_t> name_offsets;
     for (const auto& s : all) {
         name_offsets.push_back(uint32_t(names.tell()));
@@ -82,11 +82,11 @@ std::vector<uint8_t> build_elf(const elf_image_spec& spec) {
     names.str(".shstrtab");
     all.push_back({".shstrtab", 3, 0, names.out, 0});
 
-    byte_writer w{spec.big_endian, {}};
-    const uint8_t ident[16] = {0x7f, 'E', 'L', 'F', 1, uint8_t(spec.big_endian ? 2 : 1), 1};
+    byte_writer w{image.big_endian, {}};
+    const uint8_t ident[16] = {0x7f, 'E', 'L', 'F', 1, uint8_t(image.big_endian ? 2 : 1), 1};
     w.out.assign(ident, ident + 16);
-    w.u16(spec.e_type);
-    w.u16(spec.big_endian ? 20 : 3);
+    w.u16(image.e_type);
+    w.u16(image.big_endian ? 20 : 3);
     w.u32(1);
     w.u32(0);  // entry
     w.u32(0);  // phoff
@@ -124,7 +124,7 @@ std::vector<uint8_t> build_elf(const elf_image_spec& spec) {
     return w.out;
 }
 
-elf_section_spec text_section(uint32_t addr, uint32_t size) { return {".text", 8, addr, {}, size}; }
+elf_section_desc text_section(uint32_t addr, uint32_t size) { return {".text", 8, addr, {}, size}; }
 
 std::string write_temp_file(const std::string& name, const std::vector<uint8_t>& bytes) {
     std::string path = "/tmp/zdb_test_" + std::to_string(getpid()) + "_" + name;
@@ -264,8 +264,8 @@ void dwarf2_writer::advance_line(int32_t n) { line.u8(3), line.sleb(n); }
 
 void dwarf2_writer::advance_pc(uint32_t n) { line.u8(2), line.uleb(n); }
 
-std::vector<elf_section_spec> dwarf2_writer::sections(uint32_t text_addr, uint32_t text_size) const {
-    std::vector<elf_section_spec> s = {text_section(text_addr, text_size),
+std::vector<elf_section_desc> dwarf2_writer::sections(uint32_t text_addr, uint32_t text_size) const {
+    std::vector<elf_section_desc> s = {text_section(text_addr, text_size),
                                        {".debug_info", 1, 0, info.out, 0},
                                        {".debug_abbrev", 1, 0, abbrev.out, 0},
                                        {".debug_line", 1, 0, line.out, 0}};

@@ -25,7 +25,7 @@ struct byte_writer {
     void bytes(const std::vector<uint8_t>& b) { out.insert(out.end(), b.begin(), b.end()); }
 };
 
-struct elf_section_spec {
+struct elf_section_desc {
     std::string name;
     uint32_t type = 1;  // SHT_PROGBITS
     uint32_t addr = 0;
@@ -33,25 +33,25 @@ struct elf_section_spec {
     uint32_t nobits_size = 0;  // size of an SHT_NOBITS (8) section
 };
 
-struct elf_symbol_spec {
+struct elf_symbol_desc {
     std::string name;
     uint32_t value = 0;
     uint8_t type = 2;  // STT_FUNC
 };
 
-struct elf_image_spec {
+struct elf_image_desc {
     bool big_endian = true;
     uint16_t e_type = 2;
-    std::vector<elf_section_spec> sections;
-    std::vector<elf_symbol_spec> symbols;  // after the null symbol; none: no .symtab
+    std::vector<elf_section_desc> sections;
+    std::vector<elf_symbol_desc> symbols;  // after the null symbol; none: no .symtab
 };
 
 // Layout: header, section contents in order, .symtab, .strtab, .shstrtab,
 // then the section header table.
-std::vector<uint8_t> build_elf(const elf_image_spec& spec);
+std::vector<uint8_t> build_elf(const elf_image_desc& image);
 
 // A .text section of `size` bytes at `addr`, without contents.
-elf_section_spec text_section(uint32_t addr, uint32_t size);
+elf_section_desc text_section(uint32_t addr, uint32_t size);
 
 // A file in the test's temporary folder holding the bytes; returns its path.
 std::string write_temp_file(const std::string& name, const std::vector<uint8_t>& bytes);
@@ -97,7 +97,7 @@ struct dwarf2_writer {
     void copy() { line.u8(1); }
 
     // The sections of an executable with this debug data and the .text range.
-    std::vector<elf_section_spec> sections(uint32_t text_addr, uint32_t text_size) const;
+    std::vector<elf_section_desc> sections(uint32_t text_addr, uint32_t text_size) const;
 
   private:
     size_t header_length_at = 0;

@@ -1,0 +1,104 @@
+// The process row table: names and types of processes by their identity,
+// read from the process list once per run.
+#include <cstring>
+#include <new>
+
+#include "pmd/section_payload.h"
+#include "render/process_list.h"
+
+std::vector<process_row> process_rows;
+uint32_t process_row_count = 0;
+uint32_t process_row_capacity = 0;
+
+namespace {
+
+constexpr uint32_t rows_per_step = 1024;
+
+bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+
+// Another step of cleared rows; false at the limit or with no memory.
+bool grow_rows() {
+    if (process_row_capacity >= process_row_limit) return false;
+    try {
+        process_rows.resize(process_row_capacity + rows_per_step, process_row{});
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    process_row_capacity += rows_per_step;
+    return true;
+}
+
+// Stores a byte of field 0, 1 or 14; a field is cut where it would lose
+// its terminating zero.
+void store(process_row& row, uint32_t field, uint64_t col, uint8_t c) {
+    char* text = field == 0 ? row.name : field == 1 ? row.type : row.pid;
+    const size_t width = field == 0 ? sizeof row.name : field == 1 ? sizeof row.type : sizeof row.pid;
+    if (col < width - 1) text[col] = char(c);
+}
+
+}  // namespace
+
+void free_process_rows() {
+    std::vector<process_row>().swap(process_rows);
+    process_row_count = 0;
+    process_row_capacity = 0;
+}
+
+void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
+    free_process_rows();
+    if (!grow_rows()) {
+        std::fputs("Error: Unable to allocate memory for process list information!\n", stderr);
+        return;
+    }
+    uint32_t row = 0, field = 0;
+    uint64_t col = 0;
+    bool word_open = false, entry_started = false;
+    for (uint8_t c : text) {
+        if (row >= process_row_capacity && !grow_rows()) break;
+        if (c == 0 || c == '\r') continue;
+        if (c == '"' || entry_started) {
+            entry_started = true;
+            if (is_space(c)) {
+                if (word_open) {
+                    word_open = false;
+                    field++;
+                    if (field == 1 || field == 2 || field == 15) col = 0;
+                }
+            } else {
+                word_open = true;
+                // A backslash continues an entry on the next line.
+                if (field == 0 || field == 1 || field == 14) {
+                    if (c == '\\') word_open = false;
+                    else store(process_rows[row], field, col++, c);
+                }
+            }
+        }
+        // A newline ends the entry only once its type has been read.
+        if (c == '\n' && field > 1) {
+            entry_started = false;
+            field = 0;
+            row++;
+        }
+    }
+    // The row behind the last complete one is looked up too: it must exist.
+    if (row >= process_row_capacity && !grow_rows()) row = process_row_capacity - 1;
+    process_row_count = row;
+}
+
+void load_process_rows(FILE* stream, krd_file* f, krd_section* chain) {
+    krd_payload payload;
+    switch (krd_read_chain_payload(f, chain, &payload)) {
+    case KRD_PAYLOAD_CORRUPT: std::fputs("  Corrupt Section.\n", stream); return;
+    case KRD_PAYLOAD_EMPTY: std::fprintf(stream, "\n %s is Empty !!!! \n", chain->title.c_str()); return;
+    case KRD_PAYLOAD_INFLATE: return;
+    case KRD_PAYLOAD_OK: break;
+    }
+    read_text_process_dump(stream, std::span<const uint8_t>(payload.bytes.get(), payload.size));
+}
+
+const process_row* find_process_row(const char* pid) {
+    if (process_row_capacity == 0) return nullptr;
+    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
+        if (std::strcmp(process_rows[i].pid, pid) == 0) return &process_rows[i];
+    return nullptr;
+}

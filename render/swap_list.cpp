@@ -1,0 +1,117 @@
+// The process swap-in list: each line gets the process's name and type and
+// the time since the swap-in before it.
+#include <cstdarg>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "render/out_buffer.h"
+#include "render/process_list.h"
+
+namespace {
+
+// Searched in this order; the last row stands behind the search, for an
+// unknown or empty board name.
+constexpr swap_board swap_board_table[] = {
+    {"tkr4", 21},     {"tkr5", 25},     {"vnl", 78},      {"vnl2", 195},
+    {"vnl3", 486},    {"tkr6", 150},    {"fzh4", 75},     {"mrq", 75},
+    {"tkr7", 150},    {"fzh3", 66},     {"QOT1", 50},     {"default", 66},
+};
+
+bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+// A stamp such as 1e4000 prints thousands of digits: a long result is
+// formatted a second time into a buffer of its size.
+void out_printf(out_buffer& out, const char* format, ...) {
+    char line[256];
+    va_list args, again;
+    va_start(args, format);
+    va_copy(again, args);
+    int n = std::vsnprintf(line, sizeof line, format, args);
+    if (n > 0 && size_t(n) < sizeof line) {
+        out.put(line, size_t(n));
+    } else if (n > 0) {
+        std::string longer(size_t(n) + 1, '\0');
+        std::vsnprintf(longer.data(), longer.size(), format, again);
+        out.put(longer.data(), size_t(n));
+    }
+    va_end(again);
+    va_end(args);
+}
+
+// Stamps come from a 32-bit timer that counts down; they are kept in
+// extended precision so that the differences show exact hundredths.
+struct swap_times {
+    long double divisor;
+    long double previous = 0;
+    long double current = 0;
+    long double difference = 0;
+    bool first_due = false;
+};
+
+void print_stamp(out_buffer& out, swap_times& t, const char* word) {
+    std::sscanf(word, "%Lf", &t.current);
+    if (t.previous != 0) {
+        if (t.previous >= t.current) t.difference = (t.previous - t.current) / t.divisor;
+        else if (t.previous < t.current) t.difference = (t.previous + 4294967296.0L - t.current) / t.divisor;
+    }
+    t.previous = t.current;
+    if (t.first_due) {
+        t.difference = 0;
+        t.first_due = false;
+    }
+    out_printf(out, "  (%.2Lf)\n", t.difference);
+}
+
+}  // namespace
+
+uint32_t swap_ticks_per_us(const char* board) {
+    const swap_board* b = swap_board_table;
+    const swap_board* last = std::end(swap_board_table) - 1;
+    while (b != last && !(board && std::strcmp(board, b->name) == 0)) b++;
+    return b->ticks_per_us;
+}
+
+void print_text_process_swap_dump(FILE* stream, std::span<const uint8_t> text, const char* board) {
+    auto out = std::make_unique<out_buffer>(stream);
+    swap_times times{(long double)swap_ticks_per_us(board)};
+    // Longer words are cut; they still end at the next white space.
+    char word[20] = {};
+    size_t word_len = 0;
+    bool word_open = false, line_start = false;
+    out->put("  ", 2);
+    for (uint8_t c : text) {
+        if (c == 0 || c == '\r') continue;
+        if (!is_space(c)) {
+            if (word_len < sizeof word - 1) word[word_len++] = char(c);
+            word_open = true;
+        } else if (word_open) {
+            word[word_len] = '\0';
+            if (word[0] == '0' && line_start) {
+                char key[24];
+                std::snprintf(key, sizeof key, "0x%s", word);
+                const process_row* row = find_process_row(key);
+                out_printf(*out, "   %-30s  %-10s", row ? row->name : "--", row ? row->type : "--");
+            } else if (std::strncmp(word, "pid", 3) == 0) {
+                out_printf(*out, "   %-30s  %-10s   ", "Process name", "Type");
+                times.first_due = true;
+            } else if (std::strncmp(word, "time", 4) == 0) {
+                out_printf(*out, "  (%s) ", "delta time in \xB5s");
+            } else if (is_digit(word[1])) {
+                print_stamp(*out, times, word);
+            }
+            word_len = 0;
+            word[0] = '\0';
+            word_open = false;
+            line_start = false;
+        }
+        out->put(char(c));
+        if (c == '\n') {
+            out->put("  ", 2);
+            line_start = true;
+        }
+    }
+    out->put('\n');
+}
