@@ -19,7 +19,7 @@ build: setup build/build.ninja
 	cmake --build build -j $(JOBS)
 
 run: build
-	@build/krd build/examples/example.pmd
+	@build/krd -m build/examples/LQZ1234567_R1A.elf build/examples/example.pmd
 
 test: build
 	cd build && ctest -j $(JOBS) --output-on-failure
