@@ -1,20 +1,13 @@
 // The call trace of arbitrary dumps: register sets, stack images and the
 // walk over them, without symbol files.
-#include <unistd.h>
-
 #include <cstdio>
 #include <string>
 
+#include "fuzz/fuzz_dump_file.h"
 #include "symbols/calltrace.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static std::string path = "/tmp/fuzz_calltrace." + std::to_string(getpid()) + ".pmd";
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return 0;
-    std::fwrite(data, 1, size, f);
-    std::fclose(f);
-    uint8_t error = 0;
-    auto dump = krd_open_file(0, path.c_str(), &error);
+    auto dump = open_fuzz_dump("fuzz_calltrace", bytes(data, data + size));
     if (!dump) return 0;
     static FILE* sink = std::fopen("/dev/null", "w");
     static krd_options options;

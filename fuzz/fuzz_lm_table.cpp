@@ -1,16 +1,14 @@
 // The load module table from arbitrary text, in both section forms, and from
 // arbitrary dumps; then the lookups and the address line over what it gave.
-#include <unistd.h>
-
 #include <cstdio>
 #include <string>
 
+#include "fuzz/fuzz_dump_file.h"
 #include "symbols/address_print.h"
 #include "tools/pmd_writer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
-    static std::string path = "/tmp/fuzz_lm_table." + std::to_string(getpid()) + ".pmd";
     const uint8_t mode = data[0] % 3;
     bytes text(data + 1, data + size);
     bytes image;
@@ -33,9 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         d.sections.push_back(s);
         image = pmd_build_dump(d);
     }
-    if (!pmd_write_file(path, image)) return 0;
-    uint8_t error = 0;
-    auto dump = krd_open_file(0, path.c_str(), &error);
+    auto dump = open_fuzz_dump("fuzz_lm_table", image);
     if (!dump) return 0;
     lm_table list = parse_lm_table(dump.get());
 
