@@ -174,7 +174,10 @@ lm_table lm_parse_text(std::span<const uint8_t> text, int text_form) {
 lm_table parse_lm_table(krd_file* f) {
     lm_text text;
     if (!read_lm_text(f, &text)) return nullptr;
-    return lm_parse_text(text.bytes, text.text_form);
+    lm_table list = lm_parse_text(text.bytes, text.text_form);
+    // A text that names no module leaves no list, as a missing text does.
+    if (list && list->empty()) return nullptr;
+    return list;
 }
 
 const load_module* find_load_module(const lm_list* list, uint32_t addr) {

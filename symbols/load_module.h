@@ -46,7 +46,8 @@ struct load_module {
 using lm_list = std::vector<load_module>;
 using lm_table = std::unique_ptr<lm_list>;
 
-// Null when the dump has no load module text or it cannot be fetched.
+// Null when the dump has no load module text, it cannot be fetched, or it
+// names no module.
 lm_table parse_lm_table(krd_file* f);
 // The parse of a fetched text; text_form is 1 for a "LOAD MODULE INFORMATION" text.
 lm_table lm_parse_text(std::span<const uint8_t> text, int text_form);

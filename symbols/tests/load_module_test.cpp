@@ -215,6 +215,13 @@ TEST(LoadModuleTable, ReadFromTheDump) {
         EXPECT_FALSE(parse_lm_table(fx.f()));
     }
     {
+        // A text without a single module is no list either.
+        pmd_dump d;
+        d.sections.push_back(memory_section("LOADED PROGRAMS", "Start code: 0x40 Size: 0x4\nno module here\n"));
+        dump_fixture fx(d);
+        EXPECT_FALSE(parse_lm_table(fx.f()));
+    }
+    {
         pmd_dump d;
         d.sections.push_back(memory_section("SOMETHING", lm));
         dump_fixture fx(d);
