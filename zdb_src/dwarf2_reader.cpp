@@ -202,7 +202,8 @@ int get_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint64_t offset, dwar
     if (at >= end) return 0;
     be_cursor c = unit_cursor(s, cu, at);
     uint32_t code = read_uleb128(c);
-    if (!c.ok() || code == 0 || c.tell() >= end) return 0;
+    if (!c.ok() || c.tell() >= end) return 0;
+    // A reference to a null entry is looked up like any code, and not found.
     uint32_t abbrev = find_abbrev(s, cu, code);
     if (abbrev == 0) return 0;
     *die = {abbrev, uint32_t(c.tell())};

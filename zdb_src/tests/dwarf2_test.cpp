@@ -330,6 +330,10 @@ TEST(Dwarf2Entries, UnknownAbbreviationAndUnsupportedForm) {
     CaptureStderr();
     EXPECT_EQ(find_attribute(s, cu, die, DW_AT_stmt_list, &v), 0);
     EXPECT_EQ(GetCapturedStderr(), "Attribute type 2 unsupported.\n");
+    // A reference that leads to the null entry finds no abbreviation.
+    CaptureStderr();
+    EXPECT_EQ(get_tag(s, cu, 11, &die), 0);
+    EXPECT_EQ(GetCapturedStderr(), "Abbrev-table for abbrev code 0 not found\n");
     EXPECT_EQ(find_cu(s, &cu), 0);
 }
 
