@@ -87,7 +87,8 @@ std::string lm_product_string(std::span<const uint8_t> bytes) {
 
 std::string lm_product_id(const char* file_name) {
     product_scanner s;
-    int fd = open(file_name, O_RDONLY | O_CLOEXEC);
+    // Non-blocking: a FIFO given by mistake must not wait for a writer.
+    int fd = open(file_name, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd >= 0) {
         static std::array<uint8_t, 1 << 16> chunk;
         ssize_t n;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -57,6 +58,13 @@ TEST(ProductId, FileNameWhenTheFileHasNoProductString) {
     pmd_write_file(marked, bytes(text.begin(), text.end()));
     EXPECT_EQ(lm_product_id(marked.c_str()), "LQZ9_R9");
     EXPECT_EQ(lm_product_id((dir + "/missing.elf").c_str()), "missing");
+    // A FIFO without a writer is read as empty, not waited on.
+    std::string fifo = dir + "/LQZ6_R1A.elf";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    alarm(20);
+    EXPECT_EQ(lm_product_id(fifo.c_str()), "LQZ6_R1A");
+    alarm(0);
+    unlink(fifo.c_str());
     unlink(plain.c_str());
     unlink(marked.c_str());
     rmdir(dir.c_str());
