@@ -89,11 +89,11 @@ void lm_copy_capture(std::string* field, const lm_match& m, int i, size_t limit)
     if (field->size() > limit) field->resize(limit);
 }
 
-// Hexadecimal from the capture's start; an empty capture is 0.
+// Hexadecimal from the capture's start in the line, read on as far as the
+// number goes (so "0X20" behind "Size: " is 0x20); an empty capture is 0.
 uint32_t lm_capture_number(const lm_match& m, int i) {
-    std::string digits = m.capture(i);
-    if (digits.empty()) return 0;
-    return strtoul32(digits.c_str(), 16);
+    if (!m.took_part(i) || m.m[i].rm_so == m.m[i].rm_eo) return 0;
+    return strtoul32(m.line + m.m[i].rm_so, 16);
 }
 
 void lm_new_record(lm_list* list) { list->emplace_back(); }

@@ -103,7 +103,8 @@ TEST(LoadModuleText, NumbersAndLimits) {
     std::string long_id(100, 'Q');
     std::string long_path(300, 'p');
     lm_table t = parse("Load module id: " + long_id + "\nLoad module path: @(#)" + long_path +
-                       "\nStart code: 123456789 Size:\nStart data: Size: 0x\n");
+                       "\nStart code: 123456789 Size:\nStart data: Size: 0x\n"
+                       "Load module id: B\nStart code: 0x10 Size: 0X20\n");
     const load_module& m = (*t)[0];
     EXPECT_EQ(m.name, long_id.substr(0, LM_NAME_MAX));
     EXPECT_EQ(m.path, long_path.substr(0, LM_PATH_MAX));
@@ -111,6 +112,8 @@ TEST(LoadModuleText, NumbersAndLimits) {
     EXPECT_EQ(m.code_size, 0u);
     EXPECT_EQ(m.data_start, 0u);
     EXPECT_EQ(m.data_size, 0u);
+    // The capture holds "0" alone; the number is read on from there.
+    EXPECT_EQ((*t)[1].code_size, 0x20u);
 }
 
 TEST(LoadModuleTable, BuiltinRowsMakeModulesAbsolute) {
