@@ -220,12 +220,12 @@ void lg_print_heap_info(FILE* stream, lg_cursor cursor) {
     if (file_offset == LG_NO_FILE_OFFSET) {
         lg_getU8(cursor);
         if (left != 0) left--;
-    } else if (file_offset != 0) {
+    } else {
         for (uint32_t i = 0; i < file_offset && left > 0; i++) {
             lg_getU8(cursor);
             left--;
         }
-        // The name lies beyond the data.
+        // The name lies beyond the data, also at offset 0 with nothing left.
         if (left == 0) return;
     }
     std::string name;

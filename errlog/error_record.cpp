@@ -19,10 +19,15 @@ bool lg_has_process_block(uint32_t flags, uint32_t ext_len) {
     }
 }
 
-// Steps over a NUL-terminated name. A ring without any NUL would take the
-// walk round forever, so one lap is the most.
+// Longest name a record is taken to hold. Only 255 bytes of a name are
+// printed; without this bound a large ring without NULs would cost a lap of
+// the ring for every name of every record.
+constexpr uint32_t LG_NAME_MAX = 4096;
+
+// Steps over a NUL-terminated name, at most one lap of the ring.
 static void skip_name(lg_cursor& cursor) {
-    for (uint32_t i = 0; i < lg_size; i++)
+    const uint32_t most = lg_size < LG_NAME_MAX ? lg_size : LG_NAME_MAX;
+    for (uint32_t i = 0; i < most; i++)
         if (lg_getU8(cursor) == 0) return;
 }
 

@@ -108,7 +108,13 @@ TEST(Details, HeapWithNothingBehindItsFixedPart) {
 }
 
 TEST(Details, HeapFileOffsetBeyondTheData) {
-    std::vector<uint8_t> d = words({1, 0, 0, 0, 0, 0, 0x42, 8, 12, 16, 20, 0, 0});
+    // Offset 0 with nothing behind the fixed part: the name would begin
+    // where the data ends.
+    std::vector<uint8_t> d = words({1, 0, 0, 0, 0, 0, 0x42, 0, 12, 16, 20, 0, 0});
+    d.push_back(0);
+    EXPECT_TRUE(ends_with(print_data(0x00820104, 1, d),
+                          "the error.\n\n       Owner process identity    : 0x00000042\n"));
+    d = words({1, 0, 0, 0, 0, 0, 0x42, 8, 12, 16, 20, 0, 0});
     d.push_back(0);
     d.insert(d.end(), {'a', 'b', 'c', 0});
     std::string out = print_data(0x00820104, 1, d);

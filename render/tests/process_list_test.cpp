@@ -2,6 +2,7 @@
 
 #include "tests/capture.h"
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 
@@ -106,6 +107,35 @@ TEST_F(ProcessRows, SwapListKeepsTheDifferenceWhileThePreviousStampIsZero) {
               "  03   --                              --         00  (0.20)\n\n"
               "  04   --                              --         30  (0.20)\n\n"
               "  \n");
+}
+
+TEST_F(ProcessRows, SwapListNamesComeFromTheFirstRowOfAnIdentity) {
+    // The same identity twice: the first row holds. The last line has no
+    // newline and is looked up too.
+    std::string list = line("first", "t1", "0x00000007") + line("second", "t2", "0x00000007") +
+                       "\"last\" t3 2 3 4 5 6 7 8 9 10 11 12 13 0x00000009";
+    read_text_process_dump(nullptr, bytes_of(list));
+    std::string out = capture(
+        [&](FILE* f) { print_text_process_swap_dump(f, bytes_of("\n00000007 50\n00000009 40\n"), "vnl"); });
+    EXPECT_EQ(out,
+              "  \n"
+              "  00000007   \"first\"                         t1         50  (0.00)\n\n"
+              "  00000009   \"last\"                          t3         40  (0.13)\n\n"
+              "  \n");
+}
+
+TEST_F(ProcessRows, SwapListOfManyLinesOverManyRowsIsQuick) {
+    // Each line's identity was once looked up row by row.
+    std::string list;
+    for (int i = 0; i < 100000; i++) list += "\" a b\n";
+    read_text_process_dump(nullptr, bytes_of(list));
+    std::string swap = "\n";
+    for (int i = 0; i < 20000; i++) swap += "0 \n";
+    const auto t0 = std::chrono::steady_clock::now();
+    std::string out = capture([&](FILE* f) { print_text_process_swap_dump(f, bytes_of(swap), ""); });
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    EXPECT_NE(out.find("  0   --                              --         \n"), std::string::npos);
+    EXPECT_LT(seconds, 2.0);
 }
 
 TEST_F(ProcessRows, SwapListCutsLongWordsAndUsesTheDefaultRate) {
