@@ -34,9 +34,8 @@ const char* find_process_name(const char* title) {
         for (size_t z = 9 > n ? 9 - n : 0; z > 0; z--) key[at++] = '0';
     std::memcpy(key + at, d, n + 1);
     if (process_row_count == 0) return nullptr;
-    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
-        if (std::strncmp(key, process_rows[i].pid, 10) == 0) return process_rows[i].name;
-    return nullptr;
+    const process_row* row = find_process_row_10(key);
+    return row ? row->name : nullptr;
 }
 
 void print_section_line(FILE* out, krd_file*, krd_section* chain, uint32_t flags, uint32_t* base_sec,

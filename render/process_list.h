@@ -30,6 +30,11 @@ void read_text_process_dump(FILE* stream, std::span<const uint8_t> text);
 void free_process_rows();
 // The row whose pid text equals the key, or none.
 const process_row* find_process_row(const char* pid);
+// The first row whose pid text agrees with the key in their first 10
+// characters (as strncmp compares them), or none. Served from an index that
+// index_process_rows builds; read_text_process_dump builds it.
+const process_row* find_process_row_10(const char* key);
+void index_process_rows();
 
 // Prints the process list and writes the same lines to "Proc_list_temp.txt".
 void print_text_process_dump(FILE* stream, std::span<const uint8_t> text);

@@ -2,6 +2,8 @@
 // read from the process list once per run.
 #include <cstring>
 #include <new>
+#include <string_view>
+#include <unordered_map>
 
 #include "pmd/section_payload.h"
 #include "render/process_list.h"
@@ -38,7 +40,26 @@ void store(process_row& row, uint32_t field, uint64_t col, uint8_t c) {
 
 }  // namespace
 
+// Rows by the first 10 characters of their pid text: headings and listing
+// lines look a name up for every signal queue section.
+static std::unordered_map<std::string_view, const process_row*> rows_by_pid10;
+
+static std::string_view first10(const char* text) { return {text, strnlen(text, 10)}; }
+
+void index_process_rows() {
+    rows_by_pid10.clear();
+    if (process_row_capacity == 0) return;
+    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
+        rows_by_pid10.emplace(first10(process_rows[i].pid), &process_rows[i]);
+}
+
+const process_row* find_process_row_10(const char* key) {
+    auto hit = rows_by_pid10.find(first10(key));
+    return hit == rows_by_pid10.end() ? nullptr : hit->second;
+}
+
 void free_process_rows() {
+    rows_by_pid10.clear();
     std::vector<process_row>().swap(process_rows);
     process_row_count = 0;
     process_row_capacity = 0;
@@ -83,6 +104,7 @@ void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
     // The row behind the last complete one is looked up too: it must exist.
     if (row >= process_row_capacity && !grow_rows()) row = process_row_capacity - 1;
     process_row_count = row;
+    index_process_rows();
 }
 
 void load_process_rows(FILE* stream, krd_file* f, krd_section* chain) {

@@ -34,11 +34,9 @@ struct rows_guard {
         }
         process_row_count = count;
         process_row_capacity = uint32_t(process_rows.size());
+        index_process_rows();
     }
-    ~rows_guard() {
-        process_rows.clear();
-        process_row_count = process_row_capacity = 0;
-    }
+    ~rows_guard() { free_process_rows(); }
 };
 
 TEST(ProcessName, KeyFromTheDigitsBehindTheFirstZero) {
@@ -54,6 +52,12 @@ TEST(ProcessName, KeyFromTheDigitsBehindTheFirstZero) {
     EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0"), nullptr);
     EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x"), nullptr);
     EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x0001002300000"), nullptr);
+}
+
+TEST(ProcessName, FirstRowOfAnIdentityWins) {
+    // Only the first ten characters count, so both rows agree with the key.
+    rows_guard rows({{"0x00010023", "\"first\""}, {"0x00010023 x", "\"second\""}}, 1);
+    EXPECT_STREQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x10023:"), "\"first\"");
 }
 
 TEST(ProcessName, NoRowsNoName) {
