@@ -28,11 +28,11 @@ inline constexpr uint32_t process_row_limit = 1u << 17;
 void load_process_rows(FILE* stream, krd_file* f, krd_section* chain);
 void read_text_process_dump(FILE* stream, std::span<const uint8_t> text);
 void free_process_rows();
-// The row whose pid text equals the key, or none.
+// The first row whose pid text equals the key, or none.
 const process_row* find_process_row(const char* pid);
 // The first row whose pid text agrees with the key in their first 10
-// characters (as strncmp compares them), or none. Served from an index that
-// index_process_rows builds; read_text_process_dump builds it.
+// characters (as strncmp compares them), or none. Both are served from an
+// index that index_process_rows builds; read_text_process_dump builds it.
 const process_row* find_process_row_10(const char* key);
 void index_process_rows();
 

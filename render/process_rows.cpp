@@ -40,25 +40,34 @@ void store(process_row& row, uint32_t field, uint64_t col, uint8_t c) {
 
 }  // namespace
 
-// Rows by the first 10 characters of their pid text: headings and listing
-// lines look a name up for every signal queue section.
-static std::unordered_map<std::string_view, const process_row*> rows_by_pid10;
+// Rows by their whole pid text and by its first 10 characters, the first
+// row of an identity holding it: headings, listing lines and swap-in lines
+// look a name up over and over, and a list may name thousands of processes.
+using row_index = std::unordered_map<std::string_view, const process_row*>;
+static row_index rows_by_pid, rows_by_pid10;
 
 static std::string_view first10(const char* text) { return {text, strnlen(text, 10)}; }
 
+static const process_row* lookup(const row_index& index, std::string_view key) {
+    auto hit = index.find(key);
+    return hit == index.end() ? nullptr : hit->second;
+}
+
 void index_process_rows() {
+    rows_by_pid.clear();
     rows_by_pid10.clear();
     if (process_row_capacity == 0) return;
-    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
+    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++) {
+        rows_by_pid.emplace(process_rows[i].pid, &process_rows[i]);
         rows_by_pid10.emplace(first10(process_rows[i].pid), &process_rows[i]);
+    }
 }
 
-const process_row* find_process_row_10(const char* key) {
-    auto hit = rows_by_pid10.find(first10(key));
-    return hit == rows_by_pid10.end() ? nullptr : hit->second;
-}
+const process_row* find_process_row(const char* pid) { return lookup(rows_by_pid, pid); }
+const process_row* find_process_row_10(const char* key) { return lookup(rows_by_pid10, first10(key)); }
 
 void free_process_rows() {
+    rows_by_pid.clear();
     rows_by_pid10.clear();
     std::vector<process_row>().swap(process_rows);
     process_row_count = 0;
@@ -116,11 +125,4 @@ void load_process_rows(FILE* stream, krd_file* f, krd_section* chain) {
     case KRD_PAYLOAD_OK: break;
     }
     read_text_process_dump(stream, std::span<const uint8_t>(payload.bytes.get(), payload.size));
-}
-
-const process_row* find_process_row(const char* pid) {
-    if (process_row_capacity == 0) return nullptr;
-    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
-        if (std::strcmp(process_rows[i].pid, pid) == 0) return &process_rows[i];
-    return nullptr;
 }

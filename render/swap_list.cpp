@@ -5,8 +5,6 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 
 #include "render/out_buffer.h"
 #include "render/process_list.h"
@@ -67,17 +65,6 @@ void print_stamp(out_buffer& out, swap_times& t, const char* word) {
     out_printf(out, "  (%.2Lf)\n", t.difference);
 }
 
-// The rows by their identity text, the first row of an identity holding it,
-// as find_process_row would find it. A list may name thousands of processes
-// on thousands of lines: one pass over the rows, not one per line.
-std::unordered_map<std::string_view, const process_row*> index_rows() {
-    std::unordered_map<std::string_view, const process_row*> by_pid;
-    if (process_row_capacity == 0) return by_pid;
-    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++)
-        by_pid.emplace(process_rows[i].pid, &process_rows[i]);
-    return by_pid;
-}
-
 }  // namespace
 
 uint32_t swap_ticks_per_us(const char* board) {
@@ -90,7 +77,6 @@ uint32_t swap_ticks_per_us(const char* board) {
 void print_text_process_swap_dump(FILE* stream, std::span<const uint8_t> text, const char* board) {
     auto out = std::make_unique<out_buffer>(stream);
     swap_times times{(long double)swap_ticks_per_us(board)};
-    const auto rows_by_pid = index_rows();
     // Longer words are cut; they still end at the next white space.
     char word[20] = {};
     size_t word_len = 0;
@@ -106,8 +92,7 @@ void print_text_process_swap_dump(FILE* stream, std::span<const uint8_t> text, c
             if (word[0] == '0' && line_start) {
                 char key[24];
                 std::snprintf(key, sizeof key, "0x%s", word);
-                const auto hit = rows_by_pid.find(key);
-                const process_row* row = hit == rows_by_pid.end() ? nullptr : hit->second;
+                const process_row* row = find_process_row(key);
                 out_printf(*out, "   %-30s  %-10s", row ? row->name : "--", row ? row->type : "--");
             } else if (std::strncmp(word, "pid", 3) == 0) {
                 out_printf(*out, "   %-30s  %-10s   ", "Process name", "Type");
