@@ -26,6 +26,12 @@ std::optional<krd_image_info> krd_read_image_info(krd_file* f, const krd_section
 
 uint64_t krd_max_inflated(uint64_t packed) { return packed * 1032 + 1032; }
 
+bool krd_image_plausible(const krd_file* f, const krd_image_info& img) {
+    uint64_t avail = krd_bytes_after(f, img.data_offset);
+    if (avail > img.packed_size) avail = img.packed_size;
+    return img.size <= krd_max_inflated(avail);
+}
+
 static void* zalloc_cb(void*, unsigned items, unsigned size) { return std::calloc(items, size); }
 static void zfree_cb(void*, void* p) { free_buf(&p); }
 
@@ -154,9 +160,7 @@ std::unique_ptr<krd_sigdef> krd_read_sigdef_info(krd_file* f, krd_section* node)
         img.size = sig->size;
         img.data_offset = f->pos;
         node->image = img;
-        uint64_t avail = krd_bytes_after(f, img.data_offset);
-        if (avail > img.packed_size) avail = img.packed_size;
-        if (img.size > krd_max_inflated(avail)) return nullptr;
+        if (!krd_image_plausible(f, img)) return nullptr;
         sig->data.assign(img.size, 0);
         krd_inflate_image(f, node, sig->data.data());
         sig->has_data = true;
@@ -251,9 +255,7 @@ krd_payload_status krd_read_chain_payload(krd_file* f, krd_section* chain, krd_p
         n->image = krd_read_image_info(f, n);
         if (!n->image) return KRD_PAYLOAD_CORRUPT;
         total += n->image->size;
-        uint64_t avail = krd_bytes_after(f, n->image->data_offset);
-        if (avail > n->image->packed_size) avail = n->image->packed_size;
-        if (n->image->size > krd_max_inflated(avail)) too_big = true;
+        if (!krd_image_plausible(f, *n->image)) too_big = true;
     }
     if (total == 0) return KRD_PAYLOAD_EMPTY;
     if (too_big || total > 0xFFFFFFFFu) return KRD_PAYLOAD_CORRUPT;

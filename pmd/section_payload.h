@@ -54,6 +54,9 @@ uint32_t krd_init_text(krd_file* f, const krd_section* node);
 // 1032:1). A size word beyond it cannot be filled by the stream and is not
 // allocated.
 uint64_t krd_max_inflated(uint64_t packed);
+// Whether the stream behind a payload descriptor, as far as the file holds
+// it, can fill the descriptor's size at all.
+bool krd_image_plausible(const krd_file* f, const krd_image_info& img);
 
 // The whole payload of a chain of memory blocks, node after node.
 enum krd_payload_status {

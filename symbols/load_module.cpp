@@ -51,18 +51,11 @@ struct lm_text {
     int text_form = 0;
 };
 
-// A payload size is a claim: no more than the stream behind it can give.
-bool plausible_image(krd_file* f, const krd_image_info& img) {
-    uint64_t avail = krd_bytes_after(f, img.data_offset);
-    if (avail > img.packed_size) avail = img.packed_size;
-    return img.size <= krd_max_inflated(avail);
-}
-
 bool read_lm_text(krd_file* f, lm_text* out) {
     krd_chain chain = krd_find_section(f, nullptr, "LOADED PROGRAMS");
     if (chain) {
         chain->image = krd_read_image_info(f, chain.get());
-        if (!chain->image || !plausible_image(f, *chain->image)) return false;
+        if (!chain->image || !krd_image_plausible(f, *chain->image)) return false;
         out->bytes.assign(chain->image->size, 0);
         out->text_form = 0;
         bool ok = krd_inflate_image(f, chain.get(), out->bytes.data()) == 0;
