@@ -43,3 +43,6 @@ struct out_buffer {
         used += n;
     }
 };
+
+// printf into the block buffer.
+void out_printf(out_buffer& out, const char* format, ...) __attribute__((format(printf, 2, 3)));

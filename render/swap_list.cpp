@@ -1,6 +1,5 @@
 // The process swap-in list: each line gets the process's name and type and
 // the time since the swap-in before it.
-#include <cstdarg>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -21,25 +20,6 @@ constexpr swap_board swap_board_table[] = {
 
 bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-// A stamp such as 1e4000 prints thousands of digits: a long result is
-// formatted a second time into a buffer of its size.
-void out_printf(out_buffer& out, const char* format, ...) {
-    char line[256];
-    va_list args, again;
-    va_start(args, format);
-    va_copy(again, args);
-    int n = std::vsnprintf(line, sizeof line, format, args);
-    if (n > 0 && size_t(n) < sizeof line) {
-        out.put(line, size_t(n));
-    } else if (n > 0) {
-        std::string longer(size_t(n) + 1, '\0');
-        std::vsnprintf(longer.data(), longer.size(), format, again);
-        out.put(longer.data(), size_t(n));
-    }
-    va_end(again);
-    va_end(args);
-}
 
 // Stamps come from a 32-bit timer that counts down; they are kept in
 // extended precision so that the differences show exact hundredths.

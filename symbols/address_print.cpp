@@ -7,7 +7,7 @@
 #include "symbols/iberty.h"
 #include "symbols/address_print.h"
 #include "symbols/cross_tool.h"
-#include "symbols/trace_out.h"
+#include "render/out_buffer.h"
 
 namespace {
 

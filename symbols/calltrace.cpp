@@ -9,7 +9,7 @@
 #include "symbols/calltrace.h"
 #include "symbols/cross_tool.h"
 #include "symbols/stack_walk.h"
-#include "symbols/trace_out.h"
+#include "render/out_buffer.h"
 
 namespace {
 

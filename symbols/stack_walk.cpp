@@ -11,7 +11,7 @@
 #include "pmd/section_chain.h"
 #include "pmd/section_payload.h"
 #include "symbols/target_number.h"
-#include "symbols/trace_out.h"
+#include "render/out_buffer.h"
 
 namespace {
 

@@ -1,8 +1,10 @@
-#include "symbols/trace_out.h"
+#include "render/out_buffer.h"
 
 #include <cstdarg>
 #include <string>
 
+// Formats straight into the block; a longer result (a stamp such as 1e4000
+// prints thousands of digits) is formatted a second time apart.
 void out_printf(out_buffer& out, const char* format, ...) {
     va_list args, again;
     va_start(args, format);
