@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "pmd/byte_cursor.h"
+
 const char* const hdr_table[24] = {
     "ARCH",     "BLHD",     "BLOC",     "DATA",     "DESC",     "DPID",
     "ERBLERIN", "FORM",     "LIST",     "LMID",     "MBL DESC", "MHD ",
@@ -29,10 +31,6 @@ krd_get_byte_fn krd_get_byte = krd_read_byte;
 
 krd_file::~krd_file() {
     if (fd >= 0) ::close(fd);
-}
-
-static uint32_t be32(const uint8_t* p) {
-    return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | uint32_t(p[3]);
 }
 
 // pread until n bytes or the end of the file; -1 on a read error.
@@ -94,10 +92,12 @@ std::unique_ptr<krd_file> krd_open_file(uint32_t dump_id, const char* file_name,
         *error = 1;
         return nullptr;
     }
-    f->dump_id = be32(head + 32);
-    f->size = be32(head + 4) + 8;
-    f->time_sec = got >= 80 ? be32(head + 76) : 0;
-    f->time_usec = got >= 84 ? be32(head + 80) : 0;
+    // Words the short read did not deliver read as 0.
+    std::span<const uint8_t> read(head, size_t(got));
+    f->dump_id = be32_at(read, 32);
+    f->size = be32_at(read, 4) + 8;
+    f->time_sec = be32_at(read, 76);
+    f->time_usec = be32_at(read, 80);
     f->is_file = 1;
     f->name = file_name;
     return f;
