@@ -14,10 +14,6 @@
 
 int te_heading_done = 0;
 
-static char sig_out_buffer[4096];
-static int sig_out_count = 0;
-static FILE* sig_out_stream = nullptr;
-
 static bool starts_with(const std::string& s, const char* prefix) { return s.compare(0, std::strlen(prefix), prefix) == 0; }
 
 void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
@@ -176,33 +172,4 @@ void print_signal_block(FILE* out, krd_file* f, krd_section* chain) {
     } else {
         std::fputs("Cannot do anything with this section.\n", out);
     }
-}
-
-void print_signal(FILE* out, const krd_signal_record* record, const char* text, uint32_t text_len) {
-    if (text_len != 0) print_text_dump(out, as_bytes(text, text_len));
-    std::span<const uint8_t> data(record->data, record->data ? record->size : 0);
-    if (!record->lmid) {
-        print_hex_dump(out, data, 0);
-        std::fputc('\n', out);
-        return;
-    }
-    sig_out_stream = out;
-    sig_out_count = 0;
-    int r = ssmPrint(record->lmid, record->data, record->size, krd_fputs);
-    if (sig_out_count > 0) {
-        sig_out_buffer[sig_out_count] = '\0';
-        std::fputs(sig_out_buffer, out);
-    }
-    if (r != 0) print_hex_dump(out, data, 0);
-    std::fputs("\n\n", out);
-}
-
-int krd_fputs(int ch) {
-    sig_out_buffer[sig_out_count++] = char(ch);
-    if (sig_out_count >= 4095) {
-        sig_out_buffer[sig_out_count] = '\0';
-        sig_out_count = 0;
-        return std::fputs(sig_out_buffer, sig_out_stream);
-    }
-    return 0;
 }

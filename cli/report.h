@@ -28,8 +28,6 @@ const char* find_process_name(const char* title);
 void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
 void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
-void print_signal(FILE* out, const krd_signal_record* record, const char* text, uint32_t text_len);
-int krd_fputs(int ch);
 
 // Set once the T&E heading has been printed in this run.
 extern int te_heading_done;

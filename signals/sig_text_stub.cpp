@@ -1,11 +1,8 @@
-// Stand-ins until the signal symbol code lands: queued signals and kernel
-// traces show as text, binary traces as hex, and no signal is known.
+// Stand-ins until the signal text parsers land: queued signals and kernel
+// traces show as text, binary traces as hex.
 #include "render/dump_printers.h"
 #include "signals/signals.h"
 
-int handle_sigsymb_file(FILE*, krd_options*) { return 0; }
-int ssmUnloadAll() { return 0; }
-int ssmPrint(const char*, const uint8_t*, uint32_t, ssm_putc_fn) { return -1; }
 void free_process_list() {}
 void get_process_list(std::span<const uint8_t>, krd_options*) {}
 void print_signalqueue(FILE* stream, std::span<const uint8_t> text, uint32_t, krd_options*) {
