@@ -1,12 +1,14 @@
 #include <getopt.h>
 
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "cli/report.h"
+#include "cli/report_output.h"
 #include "symbols/calltrace.h"
 
 int nexus_files = 0;
@@ -58,7 +60,25 @@ static std::unique_ptr<krd_file> open_dump(const char* name) {
     return f;
 }
 
-int cmd_krd(int argc, char** argv) {
+// --help and --version as GNU tools have them: found wherever they stand as an
+// option (not as an option's argument, nor behind "--"), before anything else.
+enum { long_help = 256, long_version };
+static const option long_requests[] = {
+    {"help", no_argument, nullptr, long_help}, {"version", no_argument, nullptr, long_version}, {}};
+
+static int find_long_request(int count, char** av, const char* letters) {
+    std::vector<char*> copy(av, av + count);  // the parser permutes what it scans
+    copy.push_back(nullptr);
+    opterr = 0;
+    optind = 0;
+    int opt;
+    while ((opt = getopt_long(count, copy.data(), letters, long_requests, nullptr)) != -1)
+        if (opt == long_help || opt == long_version) return opt;
+    return 0;
+}
+
+// The run behind cmd_krd; what it cannot write comes back in write_error.
+static int run_krd(int argc, char** argv, int* write_error) {
     static krd_options options;
     options = krd_options{};
     options.demangle_style = 1;
@@ -96,6 +116,11 @@ int cmd_krd(int argc, char** argv) {
         }
     }
     char** av = args.data() + first;
+
+    switch (find_long_request(count, av, letters)) {
+    case long_help: print_help(stdout); return 0;
+    case long_version: print_version(stdout); return 0;
+    }
 
     opterr = 1;
     optind = 0;  // a full restart of the parser, also for a second run in one process
@@ -164,13 +189,16 @@ int cmd_krd(int argc, char** argv) {
     if (!dump) return 1;
 
     FILE* out = stdout;
+    static report_output file_out;
     if (out_name) {
-        out = std::fopen(out_name, "w");
-        if (!out) {
+        FILE* file = std::fopen(out_name, "w");
+        if (!file) {
             std::perror("fopen:");
             krd_close_file(&dump);
             return 1;
         }
+        report_output_open(&file_out, file);
+        out = file_out.stream;
     }
 
     if (options.flags & KRD_OPT_ZIP) {
@@ -204,7 +232,19 @@ int cmd_krd(int argc, char** argv) {
         !(options.sigsym_failed == 1 && !(options.flags & KRD_OPT_CONTINUE)))
         print_calltrace(out, dump.get(), &options);
     krd_close_file(&dump);
-    if (out != stdout) std::fclose(out);
-    else std::fflush(out);
+    if (out_name) *write_error = report_output_close(&file_out);
     return 0;
+}
+
+int cmd_krd(int argc, char** argv) {
+    static report_output std_out;
+    report_output_open(&std_out, stdout);
+    int file_error = 0;
+    int status = run_krd(argc, argv, &file_error);
+    int stdout_error = report_output_close(&std_out);
+    int error = file_error ? file_error : stdout_error;
+    if (status != 0 || error == 0) return status;
+    // A reader that closed the pipe (with SIGPIPE ignored) ends the run quietly.
+    if (error != EPIPE) std::fprintf(stderr, "krd: error writing report: %s\n", std::strerror(error));
+    return 1;
 }

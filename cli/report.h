@@ -16,8 +16,10 @@ inline constexpr const char* KRD_VERSION = "R32.2";
 int cmd_krd(int argc, char** argv);
 int is_numeric_arg(const char* text);
 void print_usage();
-void print_help();
-void print_version();
+// Help and version go to standard error, or to standard output for --help
+// and --version.
+void print_help(FILE* stream = stderr);
+void print_version(FILE* stream = stderr);
 
 void print_dump_header(FILE* out, krd_file* f);
 void print_dump_sections(FILE* out, krd_file* f, krd_options* options);

@@ -16,14 +16,16 @@ void print_usage() {
     std::fputs("See 'krd -h' for more information\n\n", stderr);
 }
 
-void print_version() { std::fprintf(stderr, "KRD Product ID: %s Version: %s (SunOS)\n", KRD_PRODUCT_ID, KRD_VERSION); }
+void print_version(FILE* stream) {
+    std::fprintf(stream, "KRD Product ID: %s Version: %s (SunOS)\n", KRD_PRODUCT_ID, KRD_VERSION);
+}
 
-void print_help() {
+void print_help(FILE* stream) {
     std::fputs("NAME\n"
                "   krd - List and display dump information files\n\n"
                "SYNOPSIS\n\n",
-               stderr);
-    std::fputs(synopsis, stderr);
+               stream);
+    std::fputs(synopsis, stream);
     std::fputs(
         "DESCRIPTION\n\n"
         "   options:\n\n"
@@ -68,5 +70,5 @@ void print_help() {
         "             general description of the cause of the restart is listed.\n\n"
         "    -n                 To print the process names , subroutine names and lines numbers for Nexus messages\n\n"
         "    -N/-nexus_files    To generate binary and hexadecimal files\n\n",
-        stderr);
+        stream);
 }
