@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "cli/report.h"
@@ -45,6 +47,24 @@ static bool numeric_option(int letter, uint32_t* value) {
     *value = uint32_t(std::strtoul(optarg, nullptr, 0));
     return true;
 }
+
+// glibc's getopt stops at the first non-option while POSIXLY_CORRECT is set.
+// Options may stand behind the dump's name whatever the environment, so the
+// variable is out of sight while the parser runs, and back afterwards.
+namespace {
+struct gnu_argument_order {
+    std::optional<std::string> saved;
+    gnu_argument_order() {
+        if (const char* v = std::getenv("POSIXLY_CORRECT")) {
+            saved = v;
+            unsetenv("POSIXLY_CORRECT");
+        }
+    }
+    ~gnu_argument_order() {
+        if (saved) setenv("POSIXLY_CORRECT", saved->c_str(), 1);
+    }
+};
+}  // namespace
 
 // Opens the dump, telling a failure as the command line does.
 static std::unique_ptr<krd_file> open_dump(const char* name) {
@@ -100,6 +120,7 @@ int cmd_krd(int argc, char** argv) {
     opterr = 1;
     optind = 0;  // a full restart of the parser, also for a second run in one process
     int opt;
+    std::optional<gnu_argument_order> permute(std::in_place);
     while ((opt = getopt(count, av, letters)) != -1) {
         switch (opt) {
         case 'h': print_help(); return 0;
@@ -150,6 +171,7 @@ int cmd_krd(int argc, char** argv) {
         default: return usage_failure();
         }
     }
+    permute.reset();
     if (count - optind != 1) {
         std::fputs("krd: Wrong number of arguments.\n", stderr);
         return usage_failure();
