@@ -17,10 +17,9 @@ struct tool_answer {
     std::string outermost_function;  // the function the code lies in, inlining aside
 };
 
-// With -a and -i the tool prints per address its own line, then pairs of
-// function and position from the innermost inlined frame outwards.
-std::vector<tool_answer> ask_addr2line(const std::string& file, const std::vector<uint32_t>& addrs) {
-    std::vector<std::string> argv = {"powerpc-linux-gnu-addr2line", "-a", "-f", "-i", "-e", file};
+// The tool's output lines for the addresses, run with these options.
+std::vector<std::string> addr2line_lines(std::vector<std::string> argv, const std::vector<uint32_t>& addrs) {
+    argv.insert(argv.begin(), "powerpc-linux-gnu-addr2line");
     for (uint32_t a : addrs) {
         char hex[16];
         std::snprintf(hex, sizeof hex, "0x%08x", a);
@@ -28,10 +27,17 @@ std::vector<tool_answer> ask_addr2line(const std::string& file, const std::vecto
     }
     child_result r = run_program(argv);
     EXPECT_EQ(r.status, 0);
-    std::vector<tool_answer> answers;
     std::istringstream in(r.out);
     std::vector<std::string> lines;
     for (std::string l; std::getline(in, l);) lines.push_back(l);
+    return lines;
+}
+
+// With -a and -i the tool prints per address its own line, then pairs of
+// function and position from the innermost inlined frame outwards.
+std::vector<tool_answer> ask_addr2line(const std::string& file, const std::vector<uint32_t>& addrs) {
+    std::vector<std::string> lines = addr2line_lines({"-a", "-f", "-i", "-e", file}, addrs);
+    std::vector<tool_answer> answers;
     for (size_t i = 0; i < lines.size();) {
         ++i;  // the address
         tool_answer a;
@@ -46,18 +52,9 @@ std::vector<tool_answer> ask_addr2line(const std::string& file, const std::vecto
 
 // The tool as krd runs it (-f -C): function and position per address.
 std::vector<cross_tool_answer> ask_cross_tool(const std::string& file, const std::vector<uint32_t>& addrs) {
-    std::vector<std::string> argv = {"powerpc-linux-gnu-addr2line", "-f", "-C", "-e", file};
-    for (uint32_t a : addrs) {
-        char hex[16];
-        std::snprintf(hex, sizeof hex, "0x%08x", a);
-        argv.push_back(hex);
-    }
-    child_result r = run_program(argv);
-    EXPECT_EQ(r.status, 0);
+    std::vector<std::string> lines = addr2line_lines({"-f", "-C", "-e", file}, addrs);
     std::vector<cross_tool_answer> answers;
-    std::istringstream in(r.out);
-    for (std::string function, position; std::getline(in, function) && std::getline(in, position);)
-        answers.push_back({function, position});
+    for (size_t i = 0; i + 1 < lines.size(); i += 2) answers.push_back({lines[i], lines[i + 1]});
     return answers;
 }
 
