@@ -17,8 +17,10 @@ PREFIX ?= /usr/local
 setup:
 	@scripts/setup
 
-build/build.ninja:
-	cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+# The main tree is g++ at full optimisation, where some warnings only show;
+# our own builds fail on any warning.
+build/build.ninja: Makefile
+	CC=gcc CXX=g++ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DKRD_WERROR=ON
 
 build: setup build/build.ninja
 	cmake --build build -j $(JOBS)
@@ -33,15 +35,15 @@ test: build
 	$(MAKE) --no-print-directory asan
 	$(MAKE) --no-print-directory deb-check
 
-build-asan/build.ninja:
-	CC=clang CXX=clang++ cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKRD_SANITIZE=ON
+build-asan/build.ninja: Makefile
+	CC=clang CXX=clang++ cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKRD_SANITIZE=ON -DKRD_WERROR=ON
 
 asan: setup build-asan/build.ninja
 	cmake --build build-asan -j $(JOBS)
 	cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest -j $(JOBS) --output-on-failure
 
-build-fuzz/build.ninja:
-	CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKRD_FUZZ=ON
+build-fuzz/build.ninja: Makefile
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKRD_FUZZ=ON -DKRD_WERROR=ON
 
 fuzz: setup build-fuzz/build.ninja
 	cmake --build build-fuzz -j $(JOBS)

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "cli/report.h"
@@ -47,6 +49,24 @@ static bool numeric_option(int letter, uint32_t* value) {
     *value = uint32_t(std::strtoul(optarg, nullptr, 0));
     return true;
 }
+
+// glibc's getopt stops at the first non-option while POSIXLY_CORRECT is set.
+// Options may stand behind the dump's name whatever the environment, so the
+// variable is out of sight while the parser runs, and back afterwards.
+namespace {
+struct gnu_argument_order {
+    std::optional<std::string> saved;
+    gnu_argument_order() {
+        if (const char* v = std::getenv("POSIXLY_CORRECT")) {
+            saved = v;
+            unsetenv("POSIXLY_CORRECT");
+        }
+    }
+    ~gnu_argument_order() {
+        if (saved) setenv("POSIXLY_CORRECT", saved->c_str(), 1);
+    }
+};
+}  // namespace
 
 // Opens the dump, telling a failure as the command line does.
 static std::unique_ptr<krd_file> open_dump(const char* name) {
@@ -125,6 +145,7 @@ static int run_krd(int argc, char** argv, int* write_error) {
     opterr = 1;
     optind = 0;  // a full restart of the parser, also for a second run in one process
     int opt;
+    std::optional<gnu_argument_order> permute(std::in_place);
     while ((opt = getopt(count, av, letters)) != -1) {
         switch (opt) {
         case 'h': print_help(); return 0;
@@ -175,6 +196,7 @@ static int run_krd(int argc, char** argv, int* write_error) {
         default: return usage_failure();
         }
     }
+    permute.reset();
     if (count - optind != 1) {
         std::fputs("krd: Wrong number of arguments.\n", stderr);
         return usage_failure();

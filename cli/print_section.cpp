@@ -49,14 +49,24 @@ void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* opti
 }
 
 // The parameter's value: what stands behind the key and its one separator.
+// Every T&E and swap-in section asks, so the section is read on the first
+// lookup in a dump only; a failed read is told again at each.
 static std::string system_param_value(FILE* out, krd_file* f, const char* key) {
+    static uint64_t read_from = 0;  // the dump's serial
+    static bool have_params = false;
+    static system_params params;
+    if (read_from != f->serial) {
+        read_from = f->serial;
+        krd_chain chain = krd_find_section(f, nullptr, "SYSTEM PARAMETERS");
+        have_params = chain != nullptr;
+        if (chain) params = read_system_params(f, chain.get());
+        krd_free_chain(chain);
+    }
     std::string value;
-    krd_chain params = krd_find_section(f, nullptr, "SYSTEM PARAMETERS");
-    if (params) {
-        const char* line = get_system_param(out, f, params.get(), key);
+    if (have_params) {
+        const char* line = system_param_line(out, params, key);
         size_t skip = std::strlen(key) + 1;
         if (line && std::strlen(line) > skip) value = line + skip;
-        krd_free_chain(params);
     }
     return value;
 }

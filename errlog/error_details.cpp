@@ -218,6 +218,7 @@ void lg_print_heap_info(FILE* stream, lg_cursor cursor) {
     if (owner != 0) std::fprintf(stream, "       Owner process identity    : 0x%08lx\n", (unsigned long)owner);
 
     if (file_offset == LG_NO_FILE_OFFSET) {
+        // No file name and so no line: one byte stands in the name's place.
         lg_getU8(cursor);
         if (left != 0) left--;
     } else {
@@ -227,16 +228,16 @@ void lg_print_heap_info(FILE* stream, lg_cursor cursor) {
         }
         // The name lies beyond the data, also at offset 0 with nothing left.
         if (left == 0) return;
+        std::string name;
+        while (left > 0) {
+            uint8_t b = lg_getU8(cursor);
+            left--;
+            if (b == 0) break;
+            name.push_back(char(b));
+        }
+        std::fprintf(stream, "       Owner file name           : %s", name.c_str());
+        std::fprintf(stream, "\n       Source code line          : %ld\n", long(int32_t(line)));
     }
-    std::string name;
-    while (left > 0) {
-        uint8_t b = lg_getU8(cursor);
-        left--;
-        if (b == 0) break;
-        name.push_back(char(b));
-    }
-    std::fprintf(stream, "       Owner file name           : %s", name.c_str());
-    std::fprintf(stream, "\n       Source code line          : %ld\n", long(int32_t(line)));
 
     if (fragment != 0) std::fprintf(stream, "       Address of heap fragment  : 0x%08lx\n", (unsigned long)fragment);
     if (path != 0)

@@ -34,11 +34,20 @@ constexpr te_group te_groups[] = {
 constexpr uint32_t TE_SECONDS = 0, TE_BASE_TICKS = 4, TE_LINE = 8, TE_FILE_POS = 10, TE_MSG_POS = 12,
                    TE_SUFFIX_POS = 14, TE_BIN_POS = 16, TE_BIN_LEN = 18, TE_GROUP = 20, TE_TEXT_AREA = 24;
 
-// The zero-terminated text at a position; the image's end also ends it.
-std::string_view image_text(std::span<const uint8_t> img, uint64_t pos) {
-    if (pos >= img.size()) return {};
-    const char* p = reinterpret_cast<const char*>(img.data() + pos);
-    const size_t n = img.size() - size_t(pos);
+// The entry's text area: from behind its head to the end of the data the
+// block was asked for, cut by the image's end.
+std::span<const uint8_t> entry_text_area(std::span<const uint8_t> img, uint64_t data, uint16_t size) {
+    const uint64_t from = data + TE_TEXT_AREA, to = std::min<uint64_t>(data + size, img.size());
+    if (from >= to) return {};
+    return img.subspan(size_t(from), size_t(to - from));
+}
+
+// The zero-terminated text at a position of the text area; the area's end
+// also ends it, so a damaged entry cannot print its neighbours' bytes.
+std::string_view area_text(std::span<const uint8_t> area, uint64_t pos) {
+    if (pos >= area.size()) return {};
+    const char* p = reinterpret_cast<const char*>(area.data() + pos);
+    const size_t n = area.size() - size_t(pos);
     const void* nul = std::memchr(p, 0, n);
     return {p, nul ? size_t(static_cast<const char*>(nul) - p) : n};
 }
@@ -99,7 +108,8 @@ void te_print_entry(FILE* stream, const trace_cursor& cursor, const char* timer_
 
     // A message may begin with a two-digit number, optionally marked with an
     // asterisk, or with an asterisk alone; these go in brackets in front.
-    const std::string_view m = image_text(img, text_area + msg_pos);
+    const std::span<const uint8_t> texts = entry_text_area(img, data, cursor.size);
+    const std::string_view m = area_text(texts, msg_pos);
     size_t skip = 0;
     if (is_digit(char_at(m, 0)) && is_digit(char_at(m, 1)) && char_at(m, 2) == ' ') {
         std::fprintf(stream, "[%c%c", m[0], m[1]);
@@ -118,9 +128,9 @@ void te_print_entry(FILE* stream, const trace_cursor& cursor, const char* timer_
     const char* group_name = te_group_name(group);
     print_view(stream, m.substr(skip));
     std::fputc(' ', stream);
-    print_view(stream, image_text(img, text_area + file_pos));
+    print_view(stream, area_text(texts, file_pos));
     std::fprintf(stream, ":%d %s:", int(line), group_name);
-    print_view(stream, image_text(img, text_area + suffix_pos));
+    print_view(stream, area_text(texts, suffix_pos));
     std::fputc('\n', stream);
 
     if (bin_pos != 0 && bin_len != 0) {

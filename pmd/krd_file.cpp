@@ -29,6 +29,11 @@ z_alloc_fn z_alloc = default_z_alloc;
 z_free_fn z_free = free_buf;
 krd_get_byte_fn krd_get_byte = krd_read_byte;
 
+uint64_t krd_next_serial() {
+    static uint64_t last = 0;
+    return ++last;
+}
+
 krd_file::~krd_file() {
     if (fd >= 0) ::close(fd);
 }

@@ -40,6 +40,8 @@ enum hdr_index : uint32_t {
 // 24 slots searched in order; slot 22 is empty and ends the search.
 extern const char* const hdr_table[24];
 
+uint64_t krd_next_serial();
+
 struct krd_file {
     uint32_t dump_id = 0;
     uint32_t size = 0;       // outermost length word + 8, trusted as it stands
@@ -61,6 +63,11 @@ struct krd_file {
     // was not): the file does not change during a run, and renderers look
     // the same sections up again for every section they print.
     std::unordered_map<std::string, uint32_t> find_memo;
+
+    // Tells this handle from every other of the run, also one that takes
+    // its place in memory: what a renderer derives from the dump once is
+    // kept against it.
+    const uint64_t serial = krd_next_serial();
 
     ~krd_file();
 };

@@ -5,9 +5,11 @@
 #include <cstdio>
 #include <memory>
 #include <span>
+#include <string>
 
 #include "pmd/krd_file.h"
 #include "pmd/section_chain.h"
+#include "pmd/section_payload.h"
 
 inline constexpr int REG_SLOTS = 40;
 inline constexpr int REG_RA = 32, REG_PC = 33, REG_MSR = 34, REG_LR = 35, REG_CR = 36, REG_XER = 37,
@@ -31,3 +33,17 @@ void print_text_block(FILE* stream, krd_file* f, krd_section* node);
 // double quotes left out; empty if absent; none after a message in the report.
 // The text stays valid until the next call.
 const char* get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key);
+
+// One read of a SYSTEM PARAMETERS chain, for a caller that needs its values
+// more than once: how the payload came out, and the lines of the two keys
+// the report uses, as get_system_param gives them.
+struct system_params {
+    krd_payload_status status = KRD_PAYLOAD_OK;
+    std::string title;
+    std::string timer_line;  // "krn/system_timer"
+    std::string board_line;  // "target_board"
+};
+system_params read_system_params(krd_file* f, krd_section* chain);
+// The line of a key after a read, telling a failed read in the report as
+// get_system_param does: none after a message.
+const char* system_param_line(FILE* stream, const system_params& params, const char* key);

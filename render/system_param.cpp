@@ -4,29 +4,51 @@
 #include "pmd/section_payload.h"
 #include "render/section_blocks.h"
 
-const char* get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key) {
-    static std::string result;
-    result.clear();
+// The key's line: from its first occurrence anywhere in the text to the
+// next newline, without double quotes.
+static std::string param_line(std::string_view text, const char* key) {
+    std::string line;
+    size_t at = text.find(key);
+    if (at == std::string_view::npos) return line;
+    for (size_t i = at; i < text.size() && text[i] != '\n'; i++)
+        if (text[i] != '"') line.push_back(text[i]);
+    return line;
+}
+
+system_params read_system_params(krd_file* f, krd_section* chain) {
+    system_params params;
+    params.title = chain->title;
     krd_payload payload;
-    switch (krd_read_chain_payload(f, chain, &payload)) {
+    params.status = krd_read_chain_payload(f, chain, &payload);
+    if (params.status != KRD_PAYLOAD_OK) return params;
+    // The text may hold no terminating zero: its size bounds the search.
+    std::string_view text(reinterpret_cast<const char*>(payload.bytes.get()), payload.size);
+    text = text.substr(0, text.find('\0'));
+    params.timer_line = param_line(text, "krn/system_timer");
+    params.board_line = param_line(text, "target_board");
+    return params;
+}
+
+const char* system_param_line(FILE* stream, const system_params& params, const char* key) {
+    switch (params.status) {
     case KRD_PAYLOAD_CORRUPT:
         std::fputs("  Corrupt Section.\n", stream);
         return nullptr;
     case KRD_PAYLOAD_EMPTY:
-        std::fprintf(stream, "\n %s is Empty !!!! \n", chain->title.c_str());
+        std::fprintf(stream, "\n %s is Empty !!!! \n", params.title.c_str());
         return nullptr;
     case KRD_PAYLOAD_INFLATE:
-        return result.c_str();
+        return "";
     case KRD_PAYLOAD_OK:
         break;
     }
-    if (std::strcmp(key, "target_board") != 0 && std::strcmp(key, "krn/system_timer") != 0) return result.c_str();
-    // The text may hold no terminating zero: its size bounds the search.
-    std::string_view text(reinterpret_cast<const char*>(payload.bytes.get()), payload.size);
-    text = text.substr(0, text.find('\0'));
-    size_t at = text.find(key);
-    if (at == std::string_view::npos) return result.c_str();
-    for (size_t i = at; i < text.size() && text[i] != '\n'; i++)
-        if (text[i] != '"') result.push_back(text[i]);
-    return result.c_str();
+    if (std::strcmp(key, "krn/system_timer") == 0) return params.timer_line.c_str();
+    if (std::strcmp(key, "target_board") == 0) return params.board_line.c_str();
+    return "";
+}
+
+const char* get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key) {
+    static system_params params;
+    params = read_system_params(f, chain);
+    return system_param_line(stream, params, key);
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "symbols/iberty.h"
 #include "symbols/address_print.h"
@@ -31,6 +32,34 @@ void tell_tool_missing() {
 }
 
 }  // namespace
+
+// What the cross tool would answer, from the in-process translator, for a
+// run where no tool can be found: the innermost function's name demangled as
+// the tool's -C does, and the position as the tool writes it ("??" for an
+// unknown file, "?" for an unknown line, "??:0" for an unknown address).
+cross_tool_answer in_process_answer(zdb_file* file, uint32_t lookup) {
+    zdb_addr_result r = file ? zdb_translate_addr(file, lookup) : nullptr;
+    if (!r) return cross_tool_cut_answer("??", "??:0", 2);
+    std::string function = info_string(*r, r->tool_function_offset ? r->tool_function_offset : r->function_offset);
+    if (char* demangled = cplus_demangle(function.c_str(), DMGL_PARAMS | DMGL_ANSI)) {
+        function = demangled;
+        std::free(demangled);
+    }
+    if (function.empty()) function = "??";
+
+    std::string path;
+    if (r->tool_path_offset) {
+        path = info_string(*r, r->tool_path_offset);
+    } else {
+        // A DWARF 1 record: the unit's name, behind its directory if relative.
+        const char* unit = info_string(*r, r->path_a_offset);
+        const char* dir = info_string(*r, r->path_b_offset);
+        path = *unit == '/' || !*dir || !*unit ? unit : std::string(dir) + "/" + unit;
+    }
+    std::string position = (path.empty() ? "??" : path) + ":";
+    position += r->line > 0 ? std::to_string(r->line) : "?";
+    return cross_tool_cut_answer(function, position, 2);
+}
 
 void print_in_process(out_buffer& out, zdb_file* file, uint32_t lookup, uint32_t demangle_style) {
     zdb_addr_result r = file ? zdb_translate_addr(file, lookup) : nullptr;
@@ -103,14 +132,14 @@ void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, u
         return;
     }
     if (plan.lm) out_printf(out, "[%08x],%-22s ", plan.lookup, plan.lm->name.c_str());
-    if (!plan.tool_file.empty()) {
-        if (!cross_tool_path().empty()) {
-            print_tool_answer(out, cross_tool_translate(plan.tool_file, plan.lookup));
-            return;
-        }
+    if (plan.tool_file.empty()) {
+        print_in_process(out, plan.in_use, plan.lookup, options->demangle_style);
+    } else if (!cross_tool_path().empty()) {
+        print_tool_answer(out, cross_tool_translate(plan.tool_file, plan.lookup));
+    } else {
         tell_tool_missing();
+        print_tool_answer(out, in_process_answer(plan.in_use, plan.lookup));
     }
-    print_in_process(out, plan.in_use, plan.lookup, options->demangle_style);
 }
 
 void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,

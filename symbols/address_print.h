@@ -6,6 +6,7 @@
 
 #include "render/out_buffer.h"
 #include "symbols/calltrace.h"
+#include "symbols/cross_tool.h"
 
 // What an address comes to: its module, the address asked for, and where.
 struct address_plan {
@@ -22,5 +23,8 @@ void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, u
                       const krd_options* options, const char* product_id);
 // Position and function as the in-process translator gives them; ends the line.
 void print_in_process(out_buffer& out, zdb_file* file, uint32_t lookup, uint32_t demangle_style);
+// The cross tool's answer as the in-process translator makes it, for a run
+// where no tool can be found.
+cross_tool_answer in_process_answer(zdb_file* file, uint32_t lookup);
 // Drops what print_pc_addr keeps for the run.
 void print_pc_addr_release();

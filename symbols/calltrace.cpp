@@ -16,7 +16,7 @@ namespace {
 struct trace_context {
     zdb_file* symbols;
     const lm_list* list;
-    const std::vector<stack_image>* images;
+    const stack_images* stacks;
     const krd_options* options;
     const char* product_id;
 };
@@ -38,7 +38,7 @@ void print_one_trace(out_buffer& out, const trace_context& ctx, const register_s
     };
     out_printf(out, "\n\n[%s]\n\n", set.title.c_str());
     if (!ctx.list) out_printf(out, "  info: cannot find load module information in pmd file\n");
-    if (ctx.images->empty()) out_printf(out, "  info: cannot find call stack information in pmd file\n");
+    if (ctx.stacks->images.empty()) out_printf(out, "  info: cannot find call stack information in pmd file\n");
     out_printf(out, "  Translation of address registers:\n");
     for (const register_key& r : address_registers) {
         uint32_t value;
@@ -50,7 +50,7 @@ void print_one_trace(out_buffer& out, const trace_context& ctx, const register_s
     uint32_t sp = 0;
     if (find_register(set.text, "R1", &sp) && sp != 0) {
         out_printf(out, "  Using stackpointer  : %08x\n", sp);
-        print_stack_walk(out, *ctx.images, sp, print_addr);
+        print_stack_walk(out, *ctx.stacks, sp, print_addr);
     }
     out.put('\n');
 }
@@ -70,7 +70,7 @@ void prefetch_answers(const trace_context& ctx, const std::vector<register_set>&
             if (find_register(set.text, r.key, &value)) want(value);
         if (find_register(set.text, "R1", &value) && value != 0) {
             uint32_t end_sp;
-            walk_stack(*ctx.images, value, [&](const stack_frame& fr) { want(fr.saved_lr); }, &end_sp);
+            walk_stack(*ctx.stacks, value, [&](const stack_frame& fr) { want(fr.saved_lr); }, &end_sp);
         }
     }
     cross_tool_prefetch(requests);
@@ -85,7 +85,7 @@ void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
     if (options->symbol_file && access(options->symbol_file, F_OK) == 0) product_id = lm_product_id(options->symbol_file);
 
     lm_table list = parse_lm_table(f);
-    std::vector<stack_image> images = read_stack_images(f);
+    stack_images stacks = read_stack_images(f);
     attach_symbols_lm_table(list.get(), options);
 
     std::vector<register_set> sets;
@@ -97,7 +97,7 @@ void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
         if (sets.empty()) {
             out_printf(*out, "  [CALLTRACE]\n\n  info: cannot find CPU register information in pmd file\n");
         } else {
-            trace_context ctx{&symbols, list.get(), &images, options, product_id.c_str()};
+            trace_context ctx{&symbols, list.get(), &stacks, options, product_id.c_str()};
             prefetch_answers(ctx, sets);
             for (const register_set& set : sets)
                 if (xstrcasestr(set.title.c_str(), options->section_filter)) print_one_trace(*out, ctx, set);

@@ -226,7 +226,8 @@ std::string cross_tool_search_path(const char* name, const char* path_list) {
     for (;;) {
         size_t end = list.find(':', start);
         std::string dir = list.substr(start, end == std::string::npos ? std::string::npos : end - start);
-        if (dir.empty()) dir = ".";
+        // push_back, not = ".": g++ 12 at -O3 warns falsely about the latter.
+        if (dir.empty()) dir.push_back('.');
         std::string candidate = dir + "/" + name;
         if (is_executable_file(candidate)) return candidate;
         if (end == std::string::npos) return {};

@@ -3,8 +3,10 @@
 // through a bounded cursor.
 #include "symbols/stack_walk.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <unordered_set>
 
 #include "pmd/byte_cursor.h"
@@ -27,7 +29,40 @@ std::string cut_title(std::string t) {
 
 }  // namespace
 
-std::vector<stack_image> read_stack_images(krd_file* f) {
+stack_images index_stack_images(std::vector<stack_image> images) {
+    stack_images s;
+    s.images = std::move(images);
+    // Each image opens at its start and closes behind its last address, the
+    // end included; the open images at a cut are kept by dump order.
+    struct edge {
+        uint64_t at;
+        uint32_t image;
+        bool opens;
+    };
+    std::vector<edge> edges;
+    edges.reserve(2 * s.images.size());
+    for (uint32_t i = 0; i < s.images.size(); i++) {
+        const stack_image& img = s.images[i];
+        edges.push_back({img.start, i, true});
+        edges.push_back({uint64_t(img.start) + img.size + 1, i, false});
+    }
+    std::sort(edges.begin(), edges.end(), [](const edge& a, const edge& b) { return a.at < b.at; });
+    std::set<uint32_t> open;
+    for (size_t e = 0; e < edges.size();) {
+        const uint64_t at = edges[e].at;
+        for (; e < edges.size() && edges[e].at == at; e++) {
+            if (edges[e].opens) open.insert(edges[e].image);
+            else open.erase(edges[e].image);
+        }
+        const uint32_t first = open.empty() ? NO_STACK_IMAGE : *open.begin();
+        if (!s.holder.empty() && s.holder.back() == first) continue;
+        s.cuts.push_back(at);
+        s.holder.push_back(first);
+    }
+    return s;
+}
+
+stack_images read_stack_images(krd_file* f) {
     std::vector<stack_image> images;
     uint32_t cursor = 0;
     for (krd_chain c = krd_find_section(f, &cursor, ""); c; c = krd_get_section(f, &cursor)) {
@@ -46,17 +81,29 @@ std::vector<stack_image> read_stack_images(krd_file* f) {
         images.push_back(std::move(img));
         krd_free_chain(c);
     }
-    return images;
+    return index_stack_images(std::move(images));
 }
 
+// The sections titled "REGISTERS FOR PROCESS " in dump order, then those
+// titled "CPU registers for pid " behind the last of them: what searching
+// for the first title and, where it fails, for the second from the same
+// place gives, found in one walk.
 std::vector<register_set> read_register_sets(krd_file* f) {
     static constexpr size_t prefix_length = 22;
-    std::vector<register_set> sets;
+    std::vector<krd_chain> process_sets, cpu_sets;
     uint32_t cursor = 0;
-    for (;;) {
-        krd_chain c = krd_find_section(f, &cursor, "REGISTERS FOR PROCESS ");
-        if (!c) c = krd_find_section(f, &cursor, "CPU registers for pid ");
-        if (!c) break;
+    for (krd_chain c = krd_find_section(f, &cursor, ""); c; c = krd_get_section(f, &cursor)) {
+        if (c->title.find("REGISTERS FOR PROCESS ") != std::string::npos) {
+            process_sets.push_back(std::move(c));
+            cpu_sets.clear();
+        } else if (c->title.find("CPU registers for pid ") != std::string::npos) {
+            cpu_sets.push_back(std::move(c));
+        }
+    }
+    for (krd_chain& c : cpu_sets) process_sets.push_back(std::move(c));
+
+    std::vector<register_set> sets;
+    for (krd_chain& c : process_sets) {
         krd_payload payload;
         if (krd_read_chain_payload(f, c.get(), &payload) == KRD_PAYLOAD_CORRUPT) continue;
         register_set set;
@@ -88,18 +135,19 @@ bool find_register(const std::string& text, const char* key, uint32_t* value) {
     return true;
 }
 
-const stack_image* find_stack_frame(const std::vector<stack_image>& images, uint32_t sp) {
-    for (const stack_image& img : images)
-        if (img.start <= sp && uint64_t(sp) <= uint64_t(img.start) + img.size) return &img;
-    return nullptr;
+const stack_image* find_stack_frame(const stack_images& stacks, uint32_t sp) {
+    auto behind = std::upper_bound(stacks.cuts.begin(), stacks.cuts.end(), uint64_t(sp));
+    if (behind == stacks.cuts.begin()) return nullptr;
+    const uint32_t first = stacks.holder[size_t(behind - stacks.cuts.begin()) - 1];
+    return first == NO_STACK_IMAGE ? nullptr : &stacks.images[first];
 }
 
-walk_end walk_stack(const std::vector<stack_image>& images, uint32_t sp,
+walk_end walk_stack(const stack_images& stacks, uint32_t sp,
                     const std::function<void(const stack_frame&)>& visit, uint32_t* end_sp) {
     std::unordered_set<uint32_t> seen;
     for (int frames = 0;; frames++) {
         *end_sp = sp;
-        const stack_image* img = find_stack_frame(images, sp);
+        const stack_image* img = find_stack_frame(stacks, sp);
         if (!img) return walk_end::left_images;
         if (seen.count(sp)) return walk_end::loop;
         if (frames == STACK_WALK_MAX_FRAMES) return walk_end::too_deep;
@@ -115,11 +163,11 @@ walk_end walk_stack(const std::vector<stack_image>& images, uint32_t sp,
     }
 }
 
-void print_stack_walk(out_buffer& out, const std::vector<stack_image>& images, uint32_t sp,
+void print_stack_walk(out_buffer& out, const stack_images& stacks, uint32_t sp,
                       const address_printer& print_addr) {
     uint32_t end_sp = 0;
     walk_end end = walk_stack(
-        images, sp,
+        stacks, sp,
         [&](const stack_frame& fr) {
             out_printf(out, "\n  Back chain word     : %08x\n", fr.back_chain);
             out_printf(out, "        %08x  ", fr.saved_lr);

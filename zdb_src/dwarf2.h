@@ -23,6 +23,9 @@ constexpr uint32_t DW_AT_low_pc = 0x11;
 constexpr uint32_t DW_AT_high_pc = 0x12;
 constexpr uint32_t DW_AT_comp_dir = 0x1b;
 constexpr uint32_t DW_AT_abstract_origin = 0x31;
+constexpr uint32_t DW_AT_specification = 0x47;
+constexpr uint32_t DW_AT_linkage_name = 0x6e;
+constexpr uint32_t DW_AT_MIPS_linkage_name = 0x2007;
 
 // The debug sections of one file, found again at each translation.
 struct dwarf2_sections {
@@ -70,7 +73,8 @@ int find_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, dwarf2
 int find_attribute(const dwarf2_sections& s, const dwarf2_cu& cu, const dwarf2_die& die, uint32_t attribute,
                    dwarf2_value* value);
 int get_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint64_t offset, dwarf2_die* die);
+// With file_dir, also the include directory of the file found ("" for none).
 int find_fileline(const dwarf2_sections& s, uint64_t offset, uint32_t addr, std::string* file_name,
-                  int32_t* line);
+                  int32_t* line, std::string* file_dir = nullptr);
 
 }  // namespace zdb_dwarf2

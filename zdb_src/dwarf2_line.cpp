@@ -31,7 +31,9 @@ struct line_header {
     int8_t line_base = 0;
     uint8_t line_range = 0;
     uint8_t opcode_base = 0;
+    std::vector<std::string_view> dirs;   // include directories, numbered from 1
     std::vector<std::string_view> files;  // numbered from 1
+    std::vector<uint32_t> file_dirs;      // each file's directory index
 };
 
 // The state of one sequence. Line arithmetic wraps as the target's would.
@@ -44,12 +46,16 @@ enum class row_result { go_on, found, failed };
 
 // The first row above the address closes the range of the one before it.
 row_result emit_row(const line_header& h, line_state& st, uint32_t addr, std::string* file_name,
-                    int32_t* line) {
+                    int32_t* line, std::string* file_dir) {
     if (addr >= st.start && st.address > addr) {
         // A file index outside the table is a damaged program, not an answer.
         if (st.row_file == 0 || st.row_file > h.files.size()) return row_result::failed;
         file_name->assign(h.files[st.row_file - 1]);
         *line = int32_t(st.row_line);
+        if (file_dir) {
+            const uint32_t dir = h.file_dirs[st.row_file - 1];
+            file_dir->assign(dir != 0 && dir <= h.dirs.size() ? h.dirs[dir - 1] : std::string_view());
+        }
         return row_result::found;
     }
     st.row_file = st.file;
@@ -60,7 +66,7 @@ row_result emit_row(const line_header& h, line_state& st, uint32_t addr, std::st
 }  // namespace
 
 int find_fileline(const dwarf2_sections& s, uint64_t offset, uint32_t addr, std::string* file_name,
-                  int32_t* line) {
+                  int32_t* line, std::string* file_dir) {
     be_cursor head(s.line, offset);
     uint32_t total = read_u32(head);
     if (!head.ok()) return 0;
@@ -78,12 +84,15 @@ int find_fileline(const dwarf2_sections& s, uint64_t offset, uint32_t addr, std:
     h.line_range = read_u8(p);
     h.opcode_base = read_u8(p);
     p.skip(h.opcode_base > 0 ? h.opcode_base - 1 : 0);
-    while (p.ok() && !read_string(p).empty()) {
+    for (;;) {
+        std::string_view dir = read_string(p);
+        if (!p.ok() || dir.empty()) break;
+        h.dirs.push_back(dir);
     }
     for (;;) {
         std::string_view name = read_string(p);
         if (!p.ok() || name.empty()) break;
-        read_uleb128(p);
+        h.file_dirs.push_back(read_uleb128(p));
         read_uleb128(p);
         read_uleb128(p);
         h.files.push_back(name);
@@ -158,7 +167,7 @@ int find_fileline(const dwarf2_sections& s, uint64_t offset, uint32_t addr, std:
             }
             if (!p.ok()) return 0;
             if (emit) {
-                row_result r = emit_row(h, st, addr, file_name, line);
+                row_result r = emit_row(h, st, addr, file_name, line, file_dir);
                 if (r == row_result::found) return 1;
                 if (r == row_result::failed) return 0;
             }

@@ -25,11 +25,67 @@ bool find_holder(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, ui
     return false;
 }
 
+// The innermost entry that holds the address, where the cross tool looks for
+// the function: the smallest range among subprograms and inlined
+// subroutines; of equal ranges the later one, which is nested deeper.
+bool find_innermost(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t addr, dwarf2_die* found) {
+    bool have = false;
+    uint64_t best_length = 0;
+    for (uint32_t tag : {DW_TAG_subprogram, DW_TAG_inlined_subroutine}) {
+        dwarf2_die die;
+        while (find_tag(s, cu, tag, &die)) {
+            dwarf2_value low, high;
+            if (!find_attribute(s, cu, die, DW_AT_low_pc, &low) || !find_attribute(s, cu, die, DW_AT_high_pc, &high))
+                continue;
+            if (addr < low.number || addr >= high.number) continue;
+            const uint64_t length = high.number - low.number;
+            if (!have || length < best_length || (length == best_length && die.values > found->values)) {
+                *found = die;
+                best_length = length;
+                have = true;
+            }
+        }
+    }
+    return have;
+}
+
+// The name the cross tool gives an entry: a linkage name wins, from the
+// entry or from the entries its abstract origin or specification lead to;
+// else the first DW_AT_name on that way.
+std::string tool_function_name(const dwarf2_sections& s, const dwarf2_cu& cu, dwarf2_die die) {
+    std::string name;
+    for (int hop = 0; hop < 8; hop++) {
+        dwarf2_value v;
+        if ((find_attribute(s, cu, die, DW_AT_linkage_name, &v) ||
+             find_attribute(s, cu, die, DW_AT_MIPS_linkage_name, &v)) &&
+            !v.string.empty())
+            return std::string(v.string);
+        if (name.empty() && find_attribute(s, cu, die, DW_AT_name, &v)) name.assign(v.string);
+        if (!find_attribute(s, cu, die, DW_AT_abstract_origin, &v) &&
+            !find_attribute(s, cu, die, DW_AT_specification, &v))
+            break;
+        if (!get_tag(s, cu, v.number, &die)) break;
+    }
+    return name;
+}
+
+// A relative file name behind its include directory and the unit's
+// directory, as the cross tool joins them.
+std::string tool_path(const std::string& file, const std::string& include_dir, const std::string* comp_dir) {
+    if (file.starts_with('/')) return file;
+    const std::string* dir = include_dir.starts_with('/') ? nullptr : comp_dir;
+    const std::string* sub = include_dir.empty() ? nullptr : &include_dir;
+    if (!dir) std::swap(dir, sub);
+    if (!dir) return file;
+    return sub ? *dir + "/" + *sub + "/" + file : *dir + "/" + file;
+}
+
 }  // namespace
 
 zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
-    std::string directory = "<none>", file_name = "<none>", function = "<nofunc>";
+    std::string directory = "<none>", file_name = "<none>", function = "<nofunc>", include_dir;
     int32_t line = 0;
+    bool have_file = false, have_directory = false;
     dwarf2_open_elf_file(file);
     dwarf2_sections s{zdb_section_bytes(file, file->debug_info), zdb_section_bytes(file, file->debug_abbrev),
                       zdb_section_bytes(file, file->debug_str), zdb_section_bytes(file, file->debug_line)};
@@ -54,10 +110,16 @@ zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
             matched = true;
         }
         if (!find_attribute(s, cu, unit, DW_AT_stmt_list, &v)) break;
-        if (find_fileline(s, v.number, addr, &file_name, &line)) break;
+        if (find_fileline(s, v.number, addr, &file_name, &line, &include_dir)) {
+            have_file = true;
+            break;
+        }
         if (matched) return nullptr;
     }
-    if (find_attribute(s, cu, unit, DW_AT_comp_dir, &v)) directory.assign(v.string);
+    if (find_attribute(s, cu, unit, DW_AT_comp_dir, &v)) {
+        directory.assign(v.string);
+        have_directory = true;
+    }
 
     // A subprogram wins over an inlined subroutine that also holds the address.
     dwarf2_die holder;
@@ -74,5 +136,12 @@ zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
     info->path_a_offset = zdb_add_string(info.get(), file_name.starts_with('/') ? std::string_view() : directory);
     info->path_b_offset = zdb_add_string(info.get(), file_name);
     info->function_offset = zdb_add_string(info.get(), function);
+
+    dwarf2_die innermost;
+    std::string tool_function;
+    if (find_innermost(s, cu, addr, &innermost)) tool_function = tool_function_name(s, cu, innermost);
+    if (!tool_function.empty()) info->tool_function_offset = zdb_add_string(info.get(), tool_function);
+    info->tool_path_offset = zdb_add_string(
+        info.get(), have_file ? tool_path(file_name, include_dir, have_directory ? &directory : nullptr) : "");
     return info;
 }

@@ -25,5 +25,9 @@ zdb_addr_result zdb_translate_addr(zdb_file* file, uint32_t addr) {
     merged->path_b_offset = zdb_add_string(merged.get(), dwarf->path_b());
     merged->function_offset = zdb_add_string(merged.get(), elf->function());
     merged->line = dwarf->line;
+    if (dwarf->tool_function_offset)
+        merged->tool_function_offset = zdb_add_string(merged.get(), dwarf->text.c_str() + dwarf->tool_function_offset);
+    if (dwarf->tool_path_offset)
+        merged->tool_path_offset = zdb_add_string(merged.get(), dwarf->text.c_str() + dwarf->tool_path_offset);
     return merged;
 }

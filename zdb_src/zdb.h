@@ -55,6 +55,11 @@ struct zdb_addr_info {
     uint32_t path_b_offset = 0;
     uint32_t function_offset = 0;
     int32_t line = 0;
+    // For the stand-in of the cross tool, made by the DWARF 2 reader (0:
+    // none): the function as the tool names it, before demangling, and the
+    // source file with its directories joined as the tool joins them.
+    uint32_t tool_function_offset = 0;
+    uint32_t tool_path_offset = 0;
     std::string text = std::string(1, '\0');
 
     const char* path_a() const { return text.c_str() + path_a_offset; }

@@ -3,8 +3,10 @@
 #include <cstring>
 
 #include "cli/report.h"
+#include "pmd/tests/dump_fixture.h"
 #include "render/process_list.h"
 #include "render/text_search.h"
+#include "tests/capture.h"
 
 namespace {
 
@@ -63,6 +65,48 @@ TEST(ProcessName, FirstRowOfAnIdentityWins) {
 TEST(ProcessName, NoRowsNoName) {
     rows_guard rows({{"0x00010023", "\"main\""}}, 0);
     EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x10023:"), nullptr);
+}
+
+size_t count_of(const std::string& text, const std::string& what) {
+    size_t n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) n++;
+    return n;
+}
+
+// The payloads allocated of one size: the parameter section's.
+size_t param_reads = 0;
+constexpr size_t param_size = 777;
+void* counting_alloc(size_t size, uint32_t unused) {
+    if (size == param_size) param_reads++;
+    return default_z_alloc(size, unused);
+}
+
+TEST(SystemParameters, ReadOnceForEverySectionThatAsks) {
+    std::string params = "krn/system_timer 4\ntarget_board xyz\n";
+    params.resize(param_size, ' ');
+    pmd_dump d;
+    for (int i = 0; i < 3; i++) {
+        d.sections.push_back(memory_section("TRACE AND ERROR", "no ring"));
+        d.sections.push_back(memory_section(" PROCESS SWAP IN LIST", "no list"));
+    }
+    d.sections.push_back(memory_section("SYSTEM PARAMETERS", params));
+    dump_fixture fx(d);
+    krd_options options{};
+    z_alloc = counting_alloc;
+    std::string out = capture([&](FILE* f) { print_dump_sections(f, fx.f(), &options); });
+    z_alloc = default_z_alloc;
+    EXPECT_EQ(param_reads, 2u);  // its own section, and the first lookup
+    EXPECT_EQ(count_of(out, "  Cannot read T&E log [trace ecode=1]\n"), 3u);
+
+    // Another dump has its own parameters; a failed read is told at each
+    // section that asks, as a fresh read would tell it.
+    pmd_dump empty;
+    empty.sections.push_back(memory_section("SYSTEM PARAMETERS", ""));
+    empty.sections.push_back(memory_section("TRACE AND ERROR", "no ring"));
+    empty.sections.push_back(memory_section("TRACE AND ERROR", "no ring"));
+    dump_fixture fe(empty, "empty_params");
+    out = capture([&](FILE* f) { print_dump_sections(f, fe.f(), &options); });
+    EXPECT_EQ(count_of(out, "\n SYSTEM PARAMETERS is Empty !!!! \n"), 3u);
 }
 
 }  // namespace

@@ -88,6 +88,7 @@ TEST(Details, HeapShortForms) {
     EXPECT_NE(corrupt.find("       0x0010: 00 00 00 05"), std::string::npos);
 }
 
+// No file name: neither its line nor the source line is shown.
 TEST(Details, HeapWithNothingBehindItsFixedPart) {
     std::vector<uint8_t> d = words({1, 0, 0x100, 0, 0, 0x2000, 0, 0xFFFFFFFF, 12, 16, 20, 0, 0});
     d.push_back(1);
@@ -98,8 +99,6 @@ TEST(Details, HeapWithNothingBehindItsFixedPart) {
               "       (NOTE!) The data below is information about the \n"
               "       owner of the heap buffer. It does not necessarily\n"
               "       mean that this is the one who caused the error.\n\n"
-              "       Owner file name           : \n"
-              "       Source code line          : 12\n"
               "       Address of heap fragment  : 0x00000100\n"
               "       Address of buffer         : 0x00002000\n"
               "       Requested size of buffer  : 0x00000010\n"

@@ -81,4 +81,28 @@ TEST(TeLog, ImageShorterThanTheRingStaysInside) {
     EXPECT_EQ(result, 0);
 }
 
+// A text ends at its NUL or at the end of its entry's text area; one that
+// begins outside the area is empty.
+TEST(TeLog, TextsStayInsideTheirEntry) {
+    // seconds, base, line 7, file at 4, message at 0, suffix at 8, no binary
+    // data, group 4; then twelve bytes of text without a NUL.
+    const std::string head = "3B9ACA00 00000064 0007 0004 0000 0008 0000 0000 00000004";
+    bytes image = build("image size=400 fill=0x41\nring at=0 size=400\nblock hex=\"" + head +
+                        " 6d6d6d6d 66666666 73737373\"\n" + entry);
+    int result = -1;
+    EXPECT_EQ(printed(image, "0", &result),
+              " [2001-09-09 01:46:40.000] mmmmffffssss ffffssss:7 INFO:ssss\n"
+              " [2001-09-09 01:46:40.000] m1 f.c:7 INFO:\n");
+    EXPECT_EQ(result, 0);
+
+    // Many entries whose texts would begin far behind them, in a large area
+    // without a NUL: the output stays near the size of the image.
+    bytes damaged = build("image size=65536 fill=0x41\nring at=0 size=8192\n" + std::string(entry) +
+                          " msgpos=60000 filepos=60000 suffixpos=60000 count=200");
+    std::string out = printed(damaged, "0", &result);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(out.substr(0, 46), " [2001-09-09 01:46:40.000]  :7 INFO:\n [2001-09");
+    EXPECT_LT(out.size(), damaged.size());
+}
+
 }  // namespace

@@ -58,9 +58,10 @@ TEST_F(ProcessRows, TextWithoutQuotesFillsNothing) {
 TEST_F(ProcessRows, TableGrowsByCleanSteps) {
     std::string text;
     for (int i = 0; i < 1030; i++) {
-        char pid[16];
+        char name[16], pid[16];
+        std::snprintf(name, sizeof name, "p%d", i);
         std::snprintf(pid, sizeof pid, "0x%08x", i);
-        text += line("p" + std::to_string(i), "t", pid);
+        text += line(name, "t", pid);
     }
     read_text_process_dump(nullptr, bytes_of(text));
     EXPECT_EQ(process_row_count, 1030u);

@@ -17,13 +17,14 @@ stack_image image(uint32_t start, std::vector<uint32_t> words) {
 }
 
 // The walk as text; each link register shows as "<lr>".
-std::string walk(const std::vector<stack_image>& images, uint32_t sp) {
+std::string walk(std::vector<stack_image> images, uint32_t sp) {
+    const stack_images stacks = index_stack_images(std::move(images));
     char* buf = nullptr;
     size_t len = 0;
     FILE* f = open_memstream(&buf, &len);
     {
         out_buffer out(f);
-        print_stack_walk(out, images, sp, [](out_buffer& o, uint32_t addr) {
+        print_stack_walk(out, stacks, sp, [](out_buffer& o, uint32_t addr) {
             char line[32];
             int n = std::snprintf(line, sizeof line, "<%x>\n", addr);
             o.put(line, size_t(n));
@@ -65,14 +66,48 @@ TEST(UserRegisterSet, TitleAndText) {
 }
 
 TEST(FindStackFrame, FirstImageWithTheEndIncluded) {
-    std::vector<stack_image> images = {image(0x1000, {0, 0, 0, 0}), image(0x1008, {0, 0, 0, 0})};
-    EXPECT_EQ(find_stack_frame(images, 0xFFF), nullptr);
-    EXPECT_EQ(find_stack_frame(images, 0x1000), &images[0]);
-    EXPECT_EQ(find_stack_frame(images, 0x1010), &images[0]);
-    EXPECT_EQ(find_stack_frame(images, 0x1011), &images[1]);
-    EXPECT_EQ(find_stack_frame(images, 0x1019), nullptr);
-    std::vector<stack_image> top = {image(0xFFFFFFF8, {1, 2})};
-    EXPECT_EQ(find_stack_frame(top, 0xFFFFFFFF), &top[0]);
+    stack_images s = index_stack_images({image(0x1000, {0, 0, 0, 0}), image(0x1008, {0, 0, 0, 0})});
+    EXPECT_EQ(find_stack_frame(s, 0xFFF), nullptr);
+    EXPECT_EQ(find_stack_frame(s, 0x1000), &s.images[0]);
+    EXPECT_EQ(find_stack_frame(s, 0x1010), &s.images[0]);
+    EXPECT_EQ(find_stack_frame(s, 0x1011), &s.images[1]);
+    EXPECT_EQ(find_stack_frame(s, 0x1019), nullptr);
+    stack_images top = index_stack_images({image(0xFFFFFFF8, {1, 2})});
+    EXPECT_EQ(find_stack_frame(top, 0xFFFFFFFF), &top.images[0]);
+    EXPECT_EQ(find_stack_frame(index_stack_images({}), 0), nullptr);
+}
+
+// The index against the rule itself: the first image in dump order that
+// holds the address, for images that nest, overlap, repeat, are empty or
+// reach the top of the address space.
+TEST(FindStackFrame, IndexAgreesWithTheFirstHolderInDumpOrder) {
+    uint32_t seed = 12345;
+    auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
+    for (int round = 0; round < 50; round++) {
+        std::vector<stack_image> images;
+        std::vector<uint32_t> probes = {0, 0xFFFFFFFF};
+        for (int i = 0, n = int(next() % 40); i < n; i++) {
+            stack_image img;
+            img.start = next() % 4 == 0 ? 0xFFFFFF00 + next() % 0x100 : 0x1000 + next() % 0x800;
+            img.size = next() % 5 == 0 ? 0 : next() % 0x400;
+            if (i > 0 && next() % 6 == 0) img = images[next() % images.size()];  // the same range again
+            for (uint64_t p : {uint64_t(img.start) - 1, uint64_t(img.start), uint64_t(img.start) + img.size,
+                               uint64_t(img.start) + img.size + 1})
+                probes.push_back(uint32_t(p));
+            images.push_back(img);
+        }
+        for (int i = 0; i < 200; i++) probes.push_back(0x1000 + next() % 0xC00);
+        const stack_images s = index_stack_images(images);
+        for (uint32_t sp : probes) {
+            const stack_image* want = nullptr;
+            for (const stack_image& img : s.images)
+                if (img.start <= sp && uint64_t(sp) <= uint64_t(img.start) + img.size) {
+                    want = &img;
+                    break;
+                }
+            ASSERT_EQ(find_stack_frame(s, sp), want) << "round " << round << " sp " << std::hex << sp;
+        }
+    }
 }
 
 TEST(StackWalk, FollowsTheChainAcrossImages) {
@@ -135,7 +170,7 @@ TEST(ReadStackImages, TitlesChainsAndWhatIsPassedOver) {
     text.payload.assign(body.begin(), body.end());
     d.sections.push_back(text);
     dump_fixture fx(d);
-    std::vector<stack_image> images = read_stack_images(fx.f());
+    std::vector<stack_image> images = read_stack_images(fx.f()).images;
     ASSERT_EQ(images.size(), 5u);
     EXPECT_EQ(images[0].title, "PMD stack of main");
     EXPECT_EQ(images[0].start, 0x100u);
@@ -167,6 +202,24 @@ TEST(ReadRegisterSets, BothTitlesAndTheirOrder) {
     EXPECT_EQ(sets[0].text, "R1=1");
     EXPECT_EQ(sets[1].title, "CALLTRACE FOR PROCESS 0x00010003");
     EXPECT_EQ(sets[1].text, "R1=3");
+
+    // Between two such sections the other title is passed over; with none
+    // of them every one of the other title counts.
+    pmd_dump mixed;
+    mixed.sections.push_back(memory_section("REGISTERS FOR PROCESS a", "R1=1"));
+    mixed.sections.push_back(memory_section("CPU registers for pid 0x00010002", "R1=2"));
+    mixed.sections.push_back(memory_section("REGISTERS FOR PROCESS b", "R1=3"));
+    dump_fixture fm(mixed);
+    sets = read_register_sets(fm.f());
+    ASSERT_EQ(sets.size(), 2u);
+    EXPECT_EQ(sets[1].title, "CALLTRACE FOR PROCESS b");
+    pmd_dump cpu_only;
+    for (const char* pid : {"0x00010001", "0x00010002", "0x00010003"})
+        cpu_only.sections.push_back(memory_section(std::string("CPU registers for pid ") + pid, "R1=1"));
+    dump_fixture fc(cpu_only);
+    sets = read_register_sets(fc.f());
+    ASSERT_EQ(sets.size(), 3u);
+    EXPECT_EQ(sets[2].title, "CALLTRACE FOR PROCESS 0x00010003");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #   path        krd's PATH, one line, @WORK@ standing for the work folder
 #               (optional; default: WORK/bin in front of the caller's PATH)
 #   args        krd's arguments, one per line (optional, default: dump.pmd)
+#   env         further environment of krd, NAME=VALUE one per line (optional)
 #   stdout      expected standard output
 #   stderr      expected standard error (optional, default: empty)
 #   status      expected exit status (optional, default: 0)
@@ -38,7 +39,12 @@ krd_path="$WORK/bin:$PATH"
 if [ -f "$CASE/path" ]; then
     krd_path=$(sed "s|@WORK@|$WORK|g" "$CASE/path")
 fi
-( PATH=$krd_path exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
+env_vars=()
+if [ -f "$CASE/env" ]; then
+    while IFS= read -r e || [ -n "$e" ]; do env_vars+=("$e"); done < "$CASE/env"
+fi
+( export PATH=$krd_path; for e in "${env_vars[@]}"; do export "$e"; done
+  exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
 echo $? > out.status
 
 fail=0

@@ -26,7 +26,10 @@ void standard_abbreviations(dwarf2_writer& w) {
     w.abbreviation(6, DW_TAG_subprogram, false, {{DW_AT_name, STRP}});
     w.abbreviation(7, DW_TAG_subprogram, false, {{DW_AT_abstract_origin, REF4}, {DW_AT_low_pc, ADDR}, {DW_AT_high_pc, ADDR}});
     w.abbreviation(8, DW_TAG_subprogram, false, {});
-    w.abbreviation(9, 0x34, false, {{DW_AT_name, STRING}});  // a variable, never used
+    w.abbreviation(10, DW_TAG_subprogram, true, {{DW_AT_specification, REF4}, {DW_AT_low_pc, ADDR}, {DW_AT_high_pc, ADDR}});
+    w.abbreviation(11, DW_TAG_subprogram, false, {{DW_AT_name, STRING}, {DW_AT_MIPS_linkage_name, STRING}});
+    w.abbreviation(12, DW_TAG_subprogram, false, {{DW_AT_name, STRING}, {DW_AT_linkage_name, STRING}});
+    w.abbreviation(9, 0x34, false, {{DW_AT_name, STRING}});  // a variable, never used; the table's last
     w.end_abbreviations();
 }
 
@@ -70,6 +73,8 @@ void with_origin(dwarf2_writer& w, uint32_t code, size_t origin, uint32_t low, u
 //   four   no range          program over [0x1400, 0x1440), absolute file
 //   six    [0x1600, 0x1700)  program over [0x1680, 0x1700) only
 //   seven  no range          program over [0x1600, 0x1700)
+//   eight  [0x1700, 0x1780)  a method defined apart from its declaration,
+//                            with a function inlined into it
 //   five   no range, no line program: the search stops here
 class Dwarf2Translation : public testing::Test {
   protected:
@@ -99,6 +104,7 @@ class Dwarf2Translation : public testing::Test {
         size_t p4 = simple_program(w, "/abs/four.c", 0x1400, 50, 0x1440);
         size_t p6 = simple_program(w, "six.c", 0x1680, 60, 0x1700);
         size_t p7 = simple_program(w, "seven.c", 0x1600, 70, 0x1700);
+        size_t p8 = simple_program(w, "eight.c", 0x1700, 80, 0x1780);
 
         size_t u = w.begin_unit();
         unit_with_range(w, "one.c", "/build1", 0x1000, 0x1100, p1);
@@ -134,6 +140,17 @@ class Dwarf2Translation : public testing::Test {
         w.end_unit(u);
         u = w.begin_unit();
         unit_without_range(w, "seven.c", "/src/seven", p7);
+        w.info.u8(0);
+        w.end_unit(u);
+        u = w.begin_unit();
+        unit_with_range(w, "eight.c", "/src/eight", 0x1700, 0x1780, p8);
+        size_t declaration = w.info.tell() - u;
+        w.info.uleb(11), w.info.str("method"), w.info.str("_ZN1C6methodEv");
+        size_t helper = w.info.tell() - u;
+        w.info.uleb(12), w.info.str("helper"), w.info.str("_Z6helperi");
+        with_origin(w, 10, declaration, 0x1700, 0x1740);
+        with_origin(w, 5, helper, 0x1710, 0x1720);
+        w.info.u8(0);
         w.info.u8(0);
         w.end_unit(u);
         u = w.begin_unit();
@@ -222,6 +239,27 @@ TEST_F(Dwarf2Translation, UnknownFunctionTakesTheElfSymbol) {
     EXPECT_STREQ(r->path_b(), "");
     // Outside .text the DWARF readers are never asked.
     EXPECT_EQ(zdb_translate_addr(&file, 0x0FFF), nullptr);
+}
+
+// What the tool's stand-in prints: the innermost function by its linkage
+// name, found also through an origin or a declaration, and the file behind
+// its unit's directory unless it is absolute.
+TEST_F(Dwarf2Translation, NamesAndPathsForTheToolsStandIn) {
+    auto tool = [this](uint32_t addr) {
+        zdb_addr_result r = zdb_translate_addr(&file, addr);
+        if (!r) return std::string("(null)");
+        const std::string& t = r->text;
+        return std::string(r->tool_function_offset ? t.c_str() + r->tool_function_offset : "(none)") + "|" +
+               (r->tool_path_offset ? t.c_str() + r->tool_path_offset : "(none)");
+    };
+    EXPECT_EQ(tool(0x1704), "_ZN1C6methodEv|/src/eight/eight.c");
+    EXPECT_EQ(tool(0x1714), "_Z6helperi|/src/eight/eight.c");
+    // The innermost holder, by its origin's name.
+    EXPECT_EQ(tool(0x1114), "inl|/build2/two.c");
+    EXPECT_EQ(tool(0x1104), "outer|/build2/two.c");
+    EXPECT_EQ(tool(0x11A4), "(none)|/build2/two.c");
+    EXPECT_EQ(tool(0x1400), "(none)|/abs/four.c");
+    EXPECT_EQ(tool(0x1340), "(none)|");
 }
 
 TEST(Dwarf2RealFiles, Dwarf4AndLittleEndianGiveTheElfSymbol) {
