@@ -1,0 +1,158 @@
+// The kernel trace as the target prints it: a heading up to "...", then
+// events separated by empty lines. Send and receive events carry a signal,
+// which is printed by its fields in place of its hex text; every other event
+// passes through as it stands.
+#include <cstring>
+#include <string>
+
+#include "render/dump_printers.h"
+#include "signals/sig_text.h"
+#include "signals/ssm.h"
+#include "signals/text_scan.h"
+
+namespace {
+
+// The searches of one section, each remembering its next hit: a trace of
+// many events must not be rescanned to its end for every one of them.
+struct trace_finders {
+    text_finder from{"from: "};
+    text_finder to{"to:   "};
+    text_finder hex{"<hex> = "};
+    text_finder empty_line{"\n\n"};
+    text_finder line_end{"\n"};
+    text_finder from_colon{":"}, from_bracket{"("};
+    text_finder to_colon{":"}, to_bracket{"("};
+};
+
+// "lmid:name(pid)", the id being optional. Neither search stops at the end
+// of the line. Returns false when no pid can be read; *pid_at is where the
+// pid was read.
+bool parse_party(const char* p, const char* end, text_finder& colon, text_finder& bracket, std::string* lmid,
+                 uint32_t* pid, const char** pid_at) {
+    lmid->clear();
+    if (const char* c = text_find_next(colon, p, end)) {
+        // The id has room for 255 characters; its length wraps as a byte.
+        lmid->assign(p, size_t(c - p) % 256);
+        p = c + 1;
+    }
+    if (const char* b = text_find_next(bracket, p, end)) p = b + 1;
+    *pid_at = p;
+    return text_scanf(p, end, "%x", pid) == 1;
+}
+
+const char unsupported_signal[] = "Warning: Unsupported signal format in section [KERNEL TRACE CONTENTS].\n";
+
+enum class event_kind { signal, other, stop };
+
+// One event at p. A signal event gets its pids, lmids and bytes, the end of
+// its first line and the end of its bytes; every other event is told apart
+// with the warning it deserves.
+event_kind parse_event(const char* p, const char* end, trace_finders& find, std::span<uint8_t> data,
+                       krd_signal_record* record, std::string* from_lm, std::string* to_lm,
+                       const char** line_end, const char** signal_end) {
+    char word[256];
+    if (text_scanf(p, end, "%255s", word) < 1) {
+        std::fputs("Warning: Unsupported event format in section [KERNEL TRACE CONTENTS].\n", stderr);
+        return event_kind::other;
+    }
+    if (std::strncmp(word, "Receive", 7) != 0 && std::strncmp(word, "Send", 4) != 0) return event_kind::other;
+    const char* pid_at = nullptr;
+    const char* from = text_find_next(find.from, p, end);
+    if (!from) {
+        std::fputs(unsupported_signal, stderr);
+        return event_kind::other;
+    }
+    if (!parse_party(from + 6, end, find.from_colon, find.from_bracket, from_lm, &record->from_pid, &pid_at)) {
+        std::fputs("Warning: Illegal process ID for a sending process in section [KERNEL TRACE CONTENTS].\n", stderr);
+        return event_kind::other;
+    }
+    const char* to = text_find_next(find.to, p, end);
+    if (!to) {
+        std::fputs(unsupported_signal, stderr);
+        return event_kind::other;
+    }
+    if (!parse_party(to + 6, end, find.to_colon, find.to_bracket, to_lm, &record->to_pid, &pid_at)) {
+        std::fputs("Warning: Illegal process ID for sender process in section [KERNEL TRACE CONTENTS].\n", stderr);
+        return event_kind::other;
+    }
+    *line_end = text_find_next(find.line_end, pid_at, end);
+    if (!*line_end) return event_kind::stop;
+    // Reading from the remembered hit is reading from the pid on: nothing
+    // between them is "<hex> = ".
+    const char* hex = text_find_next(find.hex, pid_at, end);
+    size_t remaining = hex ? size_t(end - hex) : 0;
+    uint32_t count = hex ? read_hex_signal(hex, remaining, data, &record->signo) : 0;
+    if (count == 0) {
+        std::fputs(unsupported_signal, stderr);
+        return event_kind::other;
+    }
+    record->data = data.data();
+    record->size = count;
+    *signal_end = hex;
+    return event_kind::signal;
+}
+
+}  // namespace
+
+void print_kernel_trace_signals(FILE* stream, std::span<const uint8_t> image, krd_options* options) {
+    std::unique_ptr<uint8_t[]> buffer = alloc_signal_buffer(image.size());
+    if (!buffer) {
+        print_text_dump(stream, image);
+        return;
+    }
+    std::span<uint8_t> data(buffer.get(), image.size() / 3);
+    const char* text = reinterpret_cast<const char*>(image.data());
+    const char* end = text_limit(text, image.size());
+    auto from_to = [&](const char* a, const char* b) {
+        return std::span<const uint8_t>(image).subspan(size_t(a - text), size_t(b - a));
+    };
+
+    const char* dots = text_find(text, end, "...");
+    if (!dots) {
+        std::fputs("Warning: Illegal syntax in section [KERNEL TRACE CONTENTS]. (\"...\" not found)\n", stderr);
+        print_text_dump(stream, image);
+        return;
+    }
+    const char* p = dots + 3;
+    skip_formatting(p, end);
+    print_text_dump(stream, from_to(text, p));
+
+    trace_finders find;
+    krd_signal_record record;
+    std::string from_lm, to_lm;
+    const bool zip = options->flags & KRD_OPT_ZIP;
+    while (p < end) {
+        const char *line_end = nullptr, *signal_end = nullptr;
+        event_kind kind = parse_event(p, end, find, data, &record, &from_lm, &to_lm, &line_end, &signal_end);
+        if (kind == event_kind::stop) break;
+        if (kind == event_kind::other) {
+            // The event as it stands, through its empty line.
+            const char* empty = text_find_next(find.empty_line, p, end);
+            if (!empty) break;
+            print_text_dump(stream, from_to(p, empty + 2));
+            p = empty + 2;
+            skip_formatting(p, end);
+            continue;
+        }
+        int loaded = 1;
+        if (!from_lm.empty()) {
+            record.lmid = from_lm.c_str();
+            loaded = load_sigsymb_file(stream, &record, options);
+        }
+        if (loaded != 0 && !to_lm.empty()) {
+            record.lmid = to_lm.c_str();
+            loaded = load_sigsymb_file(stream, &record, options);
+        }
+        if (loaded != 0) {
+            const char* sender_lm;
+            loaded = find_signal_symbols(stream, &record, options, &sender_lm);
+        }
+        if (options->sigsym_failed == 1 && !(options->flags & KRD_OPT_CONTINUE)) return;
+        if (loaded != 0 || !zip) record.lmid = nullptr;
+        print_signal(stream, &record, p, uint32_t(line_end - p));
+        p = signal_end;
+        skip_formatting(p, end);
+    }
+    const char* section_end = text + image.size();
+    if (p < section_end && *p != 0) print_text_dump(stream, from_to(p, section_end));
+}
