@@ -18,12 +18,14 @@ const char* text_find(const char* p, const char* end, std::string_view pattern) 
 }
 
 const char* text_find_next(text_finder& finder, const char* p, const char* end) {
-    // A remembered search from at or before p still answers as long as its
-    // hit is not behind us; "none" stays none further on.
-    bool known = finder.from && finder.from <= p && (!finder.hit || finder.hit >= p);
+    // A remembered search from at or before p still answers while its hit
+    // is not behind p, or, when it found none, while p has not passed the
+    // zero byte that stopped it.
+    bool known = finder.from && finder.from <= p && p <= (finder.hit ? finder.hit : finder.none_until);
     if (!known) {
         finder.from = p;
         finder.hit = text_find(p, end, finder.pattern);
+        if (!finder.hit) finder.none_until = p < end ? text_limit(p, size_t(end - p)) : p;
     }
     return finder.hit;
 }

@@ -42,6 +42,7 @@ struct text_finder {
     std::string_view pattern;
     const char* from = nullptr;  // where the remembered search started
     const char* hit = nullptr;   // its result, null for none
+    const char* none_until = nullptr;  // for none: where the text ended
 };
 
 const char* text_find_next(text_finder& finder, const char* p, const char* end);
