@@ -12,6 +12,7 @@ void skip_formatting(const char*& text, const char* end) {
 }
 
 void print_string(FILE* stream, const char* text, size_t count) {
+    if (count == 0) return;
     const void* zero = std::memchr(text, 0, count);
     if (zero) count = size_t(static_cast<const char*>(zero) - text);
     std::fwrite(text, 1, count, stream);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 const char* text_limit(const char* text, size_t size) {
+    if (size == 0) return text;
     const void* zero = std::memchr(text, 0, size);
     return zero ? static_cast<const char*>(zero) : text + size;
 }
