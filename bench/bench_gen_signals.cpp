@@ -1,8 +1,9 @@
 // Writes the signal text benchmark dump: a process list of 2,000 processes in
 // 100 blocks, signal queues of 20,000 signals in all, and a kernel trace of
-// about 20 MB of which every tenth event is one that cannot be read. Sizes
-// scale with PERCENT; "plain" gives the same texts under titles that are
-// only printed as text.
+// about 20 MB whose last tenth holds signal events without signal bytes, so
+// that every search for them runs to the end of the text. Sizes scale with
+// PERCENT; "plain" gives the same texts under titles that are only printed
+// as text.
 //   bench_gen_signals OUTPUT PERCENT parse|plain
 #include <cstdarg>
 #include <cstdio>
@@ -74,8 +75,11 @@ int main(int argc, char** argv) {
     append(trace.payload, "Kernel trace, oldest event first ...\n\n");
     for (unsigned e = 0; trace.payload.size() < trace_bytes; e++) {
         unsigned from = e % processes, to = (e * 7) % processes, signo = 2000 + e % 50;
-        if (e % 10 == 9) {
-            append(trace.payload, "Send    sig=%u tick=%u (parties lost)\n\n", signo, e);
+        if (trace.payload.size() > trace_bytes / 10 * 9) {
+            append(trace.payload, "Send    sig=%u tick=%u (not recorded)\n\n", signo, e);
+            append(trace.payload, "Receive sig=%u tick=%u\n", signo, e);
+            append(trace.payload, "  from: LQZ%07u_R1A:proc_%u(0x%08x)\n", from / 20, from, 0x20000 + from);
+            append(trace.payload, "  to:   LQZ%07u_R1A:proc_%u(0x%08x)\n\n", to / 20, to, 0x20000 + to);
         } else if (e % 3 == 0) {
             append(trace.payload, "Dispatch tick=%u proc_%u\n\n", e, to);
         } else {
