@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "render/dump_printers.h"
 #include "signals/sig_text.h"
 #include "signals/text_scan.h"
 
@@ -18,10 +19,18 @@ void print_string(FILE* stream, const char* text, size_t count) {
     std::fwrite(text, 1, count, stream);
 }
 
-std::unique_ptr<uint8_t[]> alloc_signal_buffer(size_t text_size) {
-    std::unique_ptr<uint8_t[]> buffer(new (std::nothrow) uint8_t[text_size / 3]);
-    if (!buffer) std::fputs("Error: Unable to allocate memory for symbolic signal information!\n", stderr);
-    return buffer;
+bool open_signal_text(FILE* stream, std::span<const uint8_t> image, signal_text* out) {
+    out->buffer.reset(new (std::nothrow) uint8_t[image.size() / 3]);
+    if (!out->buffer) {
+        std::fputs("Error: Unable to allocate memory for symbolic signal information!\n", stderr);
+        print_text_dump(stream, image);
+        return false;
+    }
+    out->data = {out->buffer.get(), image.size() / 3};
+    out->text = reinterpret_cast<const char*>(image.data());
+    out->end = text_limit(out->text, image.size());
+    out->section_end = out->text + image.size();
+    return true;
 }
 
 static bool is_line_end(char c) { return c == '\r' || c == '\n'; }

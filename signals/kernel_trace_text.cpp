@@ -95,17 +95,11 @@ event_kind parse_event(const char* p, const char* end, trace_finders& find, std:
 }  // namespace
 
 void print_kernel_trace_signals(FILE* stream, std::span<const uint8_t> image, krd_options* options) {
-    std::unique_ptr<uint8_t[]> buffer = alloc_signal_buffer(image.size());
-    if (!buffer) {
-        print_text_dump(stream, image);
-        return;
-    }
-    std::span<uint8_t> data(buffer.get(), image.size() / 3);
-    const char* text = reinterpret_cast<const char*>(image.data());
-    const char* end = text_limit(text, image.size());
-    auto from_to = [&](const char* a, const char* b) {
-        return std::span<const uint8_t>(image).subspan(size_t(a - text), size_t(b - a));
-    };
+    signal_text st;
+    if (!open_signal_text(stream, image, &st)) return;
+    const char* text = st.text;
+    const char* end = st.end;
+    auto from_to = [&](const char* a, const char* b) { return image.subspan(size_t(a - text), size_t(b - a)); };
 
     const char* dots = text_find(text, end, "...");
     if (!dots) {
@@ -123,7 +117,7 @@ void print_kernel_trace_signals(FILE* stream, std::span<const uint8_t> image, kr
     const bool zip = options->flags & KRD_OPT_ZIP;
     while (p < end) {
         const char *line_end = nullptr, *signal_end = nullptr;
-        event_kind kind = parse_event(p, end, find, data, &record, &from_lm, &to_lm, &line_end, &signal_end);
+        event_kind kind = parse_event(p, end, find, st.data, &record, &from_lm, &to_lm, &line_end, &signal_end);
         if (kind == event_kind::stop) break;
         if (kind == event_kind::other) {
             // The event as it stands, through its empty line.
@@ -153,6 +147,5 @@ void print_kernel_trace_signals(FILE* stream, std::span<const uint8_t> image, kr
         p = signal_end;
         skip_formatting(p, end);
     }
-    const char* section_end = text + image.size();
-    if (p < section_end && *p != 0) print_text_dump(stream, from_to(p, section_end));
+    if (p < st.section_end && *p != 0) print_text_dump(stream, from_to(p, st.section_end));
 }

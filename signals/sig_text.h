@@ -46,6 +46,16 @@ void print_string(FILE* stream, const char* text, size_t count);
 // sender's lmid, or null, in *sender_lm.
 int find_signal_symbols(FILE* stream, krd_signal_record* record, krd_options* options, const char** sender_lm);
 
-// Room for the bytes of one signal of a section: a third of its text, which
-// no hex run can outgrow. Null when there is no memory; the message is out.
-std::unique_ptr<uint8_t[]> alloc_signal_buffer(size_t text_size);
+// A section's text for the parsers, with room for the bytes of one signal:
+// a third of the text, which no hex run can outgrow.
+struct signal_text {
+    std::unique_ptr<uint8_t[]> buffer;
+    std::span<uint8_t> data;
+    const char* text = nullptr;
+    const char* end = nullptr;          // scans stop here: a zero byte or the end
+    const char* section_end = nullptr;  // what is left is printed up to here
+};
+
+// False when there is no memory for the signal bytes: the message and the
+// whole text are out.
+bool open_signal_text(FILE* stream, std::span<const uint8_t> image, signal_text* out);

@@ -32,16 +32,10 @@ static void print_line_with_lmid(FILE* stream, const char* line, const char* fro
 }
 
 void print_signalqueue(FILE* stream, std::span<const uint8_t> image, uint32_t pid, krd_options* options) {
-    std::unique_ptr<uint8_t[]> buffer = alloc_signal_buffer(image.size());
-    if (!buffer) {
-        print_text_dump(stream, image);
-        return;
-    }
-    std::span<uint8_t> data(buffer.get(), image.size() / 3);
-    const char* text = reinterpret_cast<const char*>(image.data());
-    const char* section_end = text + image.size();
-    const char* end = text_limit(text, image.size());
-    const char* p = text;
+    signal_text st;
+    if (!open_signal_text(stream, image, &st)) return;
+    const char* end = st.end;
+    const char* p = st.text;
 
     // What a scan does not reach keeps what the entry before left there.
     uint32_t signo = 0, from_pid = 0;
@@ -69,12 +63,12 @@ void print_signalqueue(FILE* stream, std::span<const uint8_t> image, uint32_t pi
 
         size_t remaining = size_t(end - p);
         uint32_t hex_signo = 0;
-        uint32_t count = read_hex_signal(p, remaining, data, &hex_signo);
+        uint32_t count = read_hex_signal(p, remaining, st.data, &hex_signo);
         if (count == 0) break;
         record.from_pid = from_pid;
         record.to_pid = pid;
         record.size = count;
-        record.data = data.data();
+        record.data = st.data.data();
         if (signo != hex_signo) {
             std::fprintf(stderr, "Warning: signo = %d differs from parsed signal number = %d\n", int(signo),
                          int(hex_signo));
@@ -94,5 +88,5 @@ void print_signalqueue(FILE* stream, std::span<const uint8_t> image, uint32_t pi
             print_signal(stream, &record, line, uint32_t(line_end - line));
         }
     }
-    if (p < section_end && *p != 0) print_text_dump(stream, std::span<const uint8_t>(image).subspan(size_t(p - text)));
+    if (p < st.section_end && *p != 0) print_text_dump(stream, image.subspan(size_t(p - st.text)));
 }
