@@ -1,7 +1,8 @@
 // Writes the signal text benchmark dump: a process list of 2,000 processes in
 // 100 blocks, signal queues of 20,000 signals in all, and a kernel trace of
 // about 20 MB whose last tenth holds signal events without signal bytes, so
-// that every search for them runs to the end of the text. Sizes scale with
+// that every search for them runs to the end of the text, and a damaged trace
+// whose events all lead to the same far parties and bytes. Sizes scale with
 // PERCENT; "plain" gives the same texts under titles that are only printed
 // as text.
 //   bench_gen_signals OUTPUT PERCENT parse|plain
@@ -91,6 +92,20 @@ int main(int argc, char** argv) {
         }
     }
     d.sections.push_back(trace);
+
+    // A damaged trace: events whose parties and bytes all lie far ahead,
+    // behind long runs of white space and digits.
+    pmd_section damaged;
+    damaged.title = plain ? " KERNEL TRACE TEXT OF CORE 1" : " KERNEL TRACE CONTENTS OF CORE 1";
+    append(damaged.payload, "Kernel trace ...\n\n");
+    for (unsigned e = 0; e < 20000 * percent / 100; e++) append(damaged.payload, "Send    tick=%u\n\n", e);
+    for (unsigned e = 0; e < 20000 * percent / 100; e++) append(damaged.payload, "Send    from: \n\n");
+    append(damaged.payload, "from: LQZ:proc(");
+    damaged.payload.resize(damaged.payload.size() + 1000000 * percent / 100, ' ');
+    damaged.payload.resize(damaged.payload.size() + 1000000 * percent / 100, '7');
+    append(damaged.payload, ")\n\nSend to:   LQZ:proc(1)\n<hex> = \n\n");
+    damaged.payload.resize(damaged.payload.size() + 1000000 * percent / 100, ' ');
+    d.sections.push_back(damaged);
     for (auto& s : d.sections) s.time_sec = 1700000000;
     return pmd_write_file(argv[1], pmd_build_dump(d)) ? 0 : 1;
 }
