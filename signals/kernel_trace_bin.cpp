@@ -50,12 +50,15 @@ enum : uint32_t {
 
 namespace {
 
-// The fields of one record, read from its body on. The length of a record is
-// believed, but nothing is read outside the trace's data: a field that is not
-// there ends the walk.
+// The fields of one record, read from its body on. The fixed fields are
+// read where the record says, even past a short body, but never outside the
+// trace's data: a field that is not there ends the walk. A name and a
+// signal's bytes belong to their record and must lie inside its body, so
+// that no byte of the trace is read or printed again for every record.
 struct trace_record {
     std::span<const uint8_t> data;
     size_t body;
+    size_t body_end;
     bool ok = true;
 
     uint32_t word(size_t offset) {
@@ -64,15 +67,19 @@ struct trace_record {
         if (!c.ok()) ok = false;
         return v;
     }
-    // A zero-terminated text, cut at the end of the data.
+    // A zero-terminated text, cut at the end of the body.
     std::string text(size_t offset) {
-        if (body + offset > data.size()) {
+        std::string s;
+        for (size_t i = body + offset; i < body_end && data[i] != 0; i++) s += char(data[i]);
+        return s;
+    }
+    // n bytes at the offset, or none and the walk ends.
+    std::span<const uint8_t> bytes(uint64_t offset, uint64_t n) {
+        if (offset > body_end - body || n > body_end - body - offset) {
             ok = false;
             return {};
         }
-        std::string s;
-        for (size_t i = body + offset; i < data.size() && data[i] != 0; i++) s += char(data[i]);
-        return s;
+        return data.subspan(body + size_t(offset), size_t(n));
     }
 };
 
@@ -97,13 +104,13 @@ bool print_event(out_buffer& out, trace_record& r, uint32_t kind) {
     case trace_send:
     case trace_receive: {
         uint32_t signo = r.word(24), from = r.word(28), to = r.word(32);
-        uint64_t offset = r.word(56), size = r.word(60);
-        uint64_t at = r.body + 72 + offset;
-        if (!r.ok || at > r.data.size() || size > r.data.size() - at) return false;
+        uint32_t offset = r.word(56), size = r.word(60);
+        std::span<const uint8_t> signal = r.bytes(72 + uint64_t(offset), size);
+        if (!r.ok) return false;
         heading();
         out_printf(out, kind == trace_send ? "Send <%lu>\n From: %s\n   To: %s\n\n" : "Receive <%lu>\n From: %s\n   To: %s\n\n",
                    (unsigned long)signo, a(from), b(to));
-        print_trace_signal(out, r.data.subspan(size_t(at), size_t(size)), signo);
+        print_trace_signal(out, signal, signo);
         return true;
     }
     case trace_create:
@@ -147,14 +154,14 @@ void print_trace_sect(FILE* stream, std::span<const uint8_t> data) {
         be_cursor c(data, pos);
         uint32_t length = c.u32();
         if (!c.ok() || length > c.remaining()) break;
-        trace_record r{data, pos + 4};
+        trace_record r{data, pos + 4, pos + 4 + size_t(length)};
         uint32_t kind = r.word(0);
         if (!r.ok) break;
         if (kind == trace_end) return;
         if (kind == trace_name) {
             uint32_t pid = r.word(4);
-            std::string name = r.text(32);
             if (!r.ok) break;
+            std::string name = r.text(32);
             add_pidNameList(pidNameList, pid, std::move(name));
         } else if (kind >= trace_send && kind <= trace_warm_start) {
             if (!print_event(*out, r, kind)) break;
