@@ -93,8 +93,8 @@ struct name_of {
     }
 };
 
-// One event into the buffer. False: the record reaches beyond the data, and
-// nothing of it is printed.
+// One event into the buffer. False: a field lies beyond the data or the
+// signal beyond its record, and nothing of the event is printed.
 bool print_event(out_buffer& out, trace_record& r, uint32_t kind) {
     uint32_t sequence = r.word(4), ticks = r.word(8), steps = r.word(12);
     if (!r.ok) return false;
@@ -108,7 +108,9 @@ bool print_event(out_buffer& out, trace_record& r, uint32_t kind) {
         std::span<const uint8_t> signal = r.bytes(72 + uint64_t(offset), size);
         if (!r.ok) return false;
         heading();
-        out_printf(out, kind == trace_send ? "Send <%lu>\n From: %s\n   To: %s\n\n" : "Receive <%lu>\n From: %s\n   To: %s\n\n",
+        out_printf(out,
+                   kind == trace_send ? "Send <%lu>\n From: %s\n   To: %s\n\n"
+                                      : "Receive <%lu>\n From: %s\n   To: %s\n\n",
                    (unsigned long)signo, a(from), b(to));
         print_trace_signal(out, signal, signo);
         return true;
