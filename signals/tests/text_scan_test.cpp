@@ -90,11 +90,8 @@ TEST(TextScan, ScanStopsAtTheEndAndAtAZeroByte) {
     // Cut inside the name: the name ends there, the pid is not reached.
     EXPECT_EQ(text_scanf(text, text + 18, "signo = %u FROM %255s (%x)", &signo, name, &pid), 2);
     EXPECT_STREQ(name, "ab");
-    std::string with_zero = "signo = 12 FROM a\0b (1f)";
-    with_zero.assign("signo = 12 FROM a\0b (1f)", 24);
-    EXPECT_EQ(text_scanf(with_zero.data(), with_zero.data() + with_zero.size(), "signo = %u FROM %255s (%x)", &signo,
-                         name, &pid),
-              2);
+    const char with_zero[] = "signo = 12 FROM a\0b (1f)";
+    EXPECT_EQ(text_scanf(with_zero, with_zero + 24, "signo = %u FROM %255s (%x)", &signo, name, &pid), 2);
     EXPECT_STREQ(name, "a");
     EXPECT_EQ(text_scanf(text, text, "%x", &pid), -1);
 }
@@ -120,8 +117,7 @@ TEST(TextScan, StrtoulAgreesWithTheCLibrary) {
 // A finder asked from positions that go back and forth answers as a fresh
 // search would.
 TEST(TextScan, FinderAnswersAsAFreshSearch) {
-    std::string text = "a:b::c:::d\n\ne:f\0g:h";
-    text.assign("a:b::c:::d\n\ne:f\0g:h", 19);
+    std::string text("a:b::c:::d\n\ne:f\0g:h", 19);
     const char* end = text.data() + text.size();
     text_finder colon{":"};
     std::mt19937 rng(3);
@@ -131,7 +127,7 @@ TEST(TextScan, FinderAnswersAsAFreshSearch) {
         const char* p = text.data() + at;
         ASSERT_EQ(text_find_next(colon, p, end), text_find(p, end, ":")) << at;
     }
-    EXPECT_EQ(text_find(text.data() + 14, end, ":"), nullptr);  // behind the zero byte is no text
+    EXPECT_EQ(text_find(text.data() + 14, end, ":"), nullptr);  // a zero byte ends the text
 }
 
 }  // namespace
