@@ -35,32 +35,50 @@ const nexus_width_row nexus_field_length[NEXUS_WIDTH_ROWS] = {
 
 namespace {
 
-// The numbers behind the message table's texts, and each row's widths, are
-// worked out once: every message of a trace asks for them.
+struct role_row {
+    const char* name;
+    nexus_role role;
+};
+constexpr role_row roles[] = {
+    {"TSTAMP", nexus_role::tstamp}, {"PROCESS_ID", nexus_role::process_id}, {"PID_INDX", nexus_role::pid_indx},
+    {"PC", nexus_role::pc},         {"U-ADDR", nexus_role::u_addr},         {"I-CNT", nexus_role::i_cnt},
+    {"F-ADDR", nexus_role::f_addr},
+};
+
+// The numbers behind the message table's texts, and each row's widths and
+// roles, are worked out once: every message of a trace asks for them.
 struct message_numbers {
     uint32_t tcode[NEXUS_MESSAGE_ROWS];
     uint8_t field_count[NEXUS_MESSAGE_ROWS];
     int32_t bits[NEXUS_MESSAGE_ROWS][7];
+    nexus_role role[NEXUS_MESSAGE_ROWS][7];
 };
 
-const message_numbers& numbers() {
-    static const message_numbers n = [] {
-        message_numbers m{};
-        for (int r = 0; r < NEXUS_MESSAGE_ROWS; r++) {
-            m.tcode[r] = uint32_t(std::strtoul(nexus_messages[r].tcode, nullptr, 10));
-            m.field_count[r] = uint8_t(std::strtoul(nexus_messages[r].field_count, nullptr, 10));
-            for (int i = 0; i < m.field_count[r] && i < 7; i++)
-                m.bits[r][i] = get_field_length(nexus_messages[r].fields[i]);
+message_numbers read_numbers() {
+    message_numbers m{};
+    for (int r = 0; r < NEXUS_MESSAGE_ROWS; r++) {
+        m.tcode[r] = uint32_t(std::strtoul(nexus_messages[r].tcode, nullptr, 10));
+        m.field_count[r] = uint8_t(std::strtoul(nexus_messages[r].field_count, nullptr, 10));
+        for (int i = 0; i < m.field_count[r] && i < 7; i++) {
+            m.bits[r][i] = get_field_length(nexus_messages[r].fields[i]);
+            m.role[r][i] = nexus_role_of(nexus_messages[r].fields[i]);
         }
-        return m;
-    }();
-    return n;
+    }
+    return m;
 }
+
+const message_numbers numbers = read_numbers();
 
 }  // namespace
 
+nexus_role nexus_role_of(const char* name) {
+    for (const role_row& r : roles)
+        if (std::strcmp(r.name, name) == 0) return r.role;
+    return nexus_role::plain;
+}
+
 int validate_tcode(uint32_t tcode, int* row) {
-    const message_numbers& n = numbers();
+    const message_numbers& n = numbers;
     for (int r = 0; r < NEXUS_MESSAGE_ROWS; r++) {
         if (n.tcode[r] == tcode) {
             *row = r;
@@ -84,23 +102,17 @@ int32_t get_field_length(const char* name) {
     return 0;
 }
 
+uint8_t get_msg_field_count(int row) { return numbers.field_count[row]; }
+
 int get_msg_field_details(nexus_msg* msg, uint32_t, int row) {
-    const message_numbers& n = numbers();
-    for (int i = 0; i < msg->field_count && i < 7; i++) {
-        msg->fields[size_t(i)].name = nexus_messages[row].fields[i];
-        msg->fields[size_t(i)].bits = n.bits[row][i];
+    for (int i = 0; i < NEXUS_MAX_FIELDS; i++) {
+        nexus_field& field = msg->fields[size_t(i)];
+        const bool used = i < msg->field_count && i < 7;
+        field.name = used ? nexus_messages[row].fields[i] : "";
+        field.bits = used ? numbers.bits[row][i] : 0;
+        field.role = used ? numbers.role[row][i] : nexus_role::plain;
     }
     return 0;
 }
 
-uint32_t get_field_mask(uint32_t start, uint32_t stop) {
-    if (start > 31 || stop > 31) {
-        std::fputs("Invalid start or stop index found !!!", stderr);
-        return 0;
-    }
-    // stop one below start gives no bits; further below, the count wraps
-    // round and every bit from start upward is set.
-    uint32_t n = stop - start + 1;
-    if (n >= 32) return 0xFFFFFFFFu << start;
-    return ((1u << n) - 1) << start;
-}
+void tell_invalid_mask() { std::fputs("Invalid start or stop index found !!!", stderr); }

@@ -5,8 +5,6 @@
 //
 // The arithmetic is that of 8-bit counters and of shifts by their count
 // modulo 32, on purpose: the field values printed rest on it.
-#include <cstring>
-
 #include "nexus/nexus_messages.h"
 
 namespace {
@@ -34,8 +32,8 @@ uint32_t mask(int a, int b) { return get_field_mask(uint32_t(a), uint32_t(b)); }
 
 bool past_last_field(const decoder& s) { return s.f >= s.msg->field_count; }
 nexus_field& current(decoder& s) { return s.msg->fields[s.f]; }
-bool current_is(const decoder& s, const char* name) {
-    return !past_last_field(s) && std::strcmp(s.msg->fields[s.f].name, name) == 0;
+bool current_is(const decoder& s, nexus_role role) {
+    return !past_last_field(s) && s.msg->fields[s.f].role == role;
 }
 
 // Writes beyond the array are dropped; the spare entry makes them rare.
@@ -76,7 +74,7 @@ void placing_loop(decoder& s, uint32_t d, uint32_t mseo) {
             if (s.split) {
                 s.last = shl(s.last, bits - 1 - s.stop);
                 step = 31 - s.stop;
-            } else if (current_is(s, "I-CNT") || current_is(s, "F-ADDR")) {
+            } else if (current_is(s, nexus_role::i_cnt) || current_is(s, nexus_role::f_addr)) {
                 step = 0;  // these end the word: what stands behind them is ignored
             } else {
                 step = s.room - bits;
@@ -102,7 +100,7 @@ void placing_loop(decoder& s, uint32_t d, uint32_t mseo) {
                 s.in_var = false;
             }
         }
-        s.room = current_is(s, "TSTAMP") && mseo == 1 ? 0 : uint8_t(step);
+        s.room = current_is(s, nexus_role::tstamp) && mseo == 1 ? 0 : uint8_t(step);
         if (s.room == 0) return;
     }
 }
@@ -138,9 +136,10 @@ void otm_tail(decoder& s, uint32_t d) {
 }  // namespace
 
 int get_msg_field_values(nexus_msg* msg, std::span<const uint32_t> words) {
-    for (nexus_field& field : msg->fields) field.value.fill(0);
+    // Fields behind the last are never written.
+    for (int i = 0; i < msg->field_count && i < NEXUS_MAX_FIELDS; i++) msg->fields[size_t(i)].value.fill(0);
     if (words.empty()) return 0;
-    decoder s{msg, msg->field_count > 2 && std::strcmp(msg->fields[2].name, "PID_INDX") == 0};
+    decoder s{msg, msg->field_count > 2 && msg->fields[2].role == nexus_role::pid_indx};
 
     msg->fields[0].value[0] = msg->tcode;
     msg->fields[1].value[0] = msg->src;
@@ -156,7 +155,7 @@ int get_msg_field_values(nexus_msg* msg, std::span<const uint32_t> words) {
         switch (nexus_mseo(word)) {
         case 2:
         case 3:
-            if (s.otm && !current_is(s, "TSTAMP")) otm_tail(s, d);
+            if (s.otm && !current_is(s, nexus_role::tstamp)) otm_tail(s, d);
             else if (!s.in_var) set_value(s, 0, d);  // replaces what a fixed field took before
             else variable_step(s, d, true);
             break;

@@ -37,9 +37,14 @@ inline constexpr int NEXUS_VALUE_WORDS = 9;
 // A message longer than this is dropped.
 inline constexpr int NEXUS_MAX_WORDS = 8;
 
+// The fields that the decoder or the report treat apart from the others.
+enum class nexus_role : uint8_t { plain, tstamp, process_id, pid_indx, pc, u_addr, i_cnt, f_addr };
+nexus_role nexus_role_of(const char* name);
+
 struct nexus_field {
     const char* name = "";
     int32_t bits = 0;  // -1 variable, 0 a name without a width
+    nexus_role role = nexus_role::plain;  // from the name
     std::array<uint32_t, NEXUS_VALUE_WORDS> value{};
 };
 
@@ -57,10 +62,24 @@ int validate_tcode(uint32_t tcode, int* row);
 const char* get_msg_type(uint32_t tcode);
 // Width in bits, -1 for "VAR", 0 for a name not in the table.
 int32_t get_field_length(const char* name);
-// Names and widths of the row's fields into msg. Always 0.
+// The row's field count, the number behind its text.
+uint8_t get_msg_field_count(int row);
+// Names, widths and roles of the row's fields into msg, the fields behind
+// them cleared. Always 0.
 int get_msg_field_details(nexus_msg* msg, uint32_t first_word, int row);
-// Bits start..stop set; see the wrap rule in nexus_catalogue.cpp.
-uint32_t get_field_mask(uint32_t start, uint32_t stop);
+void tell_invalid_mask();
+// Bits start to stop set. Inline: the decoder asks for several per word.
+inline uint32_t get_field_mask(uint32_t start, uint32_t stop) {
+    if (start > 31 || stop > 31) {
+        tell_invalid_mask();
+        return 0;
+    }
+    // stop one below start gives no bits; further below, the count wraps
+    // round and every bit from start upward is set.
+    const uint32_t n = stop - start + 1;
+    if (n >= 32) return 0xFFFFFFFFu << start;
+    return ((1u << n) - 1) << start;
+}
 
 // The values of the message's fields from its words; msg has word_count,
 // tcode, src, field_count and the fields' names and widths. Always 0.

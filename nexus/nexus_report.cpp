@@ -1,12 +1,11 @@
 // The report of the NPC trace buffer: the words cut into messages, each
 // message decoded and printed with the addresses rebuilt from it.
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "nexus/nexus.h"
-#include "nexus/nexus_format.h"
+#include "nexus/report_text.h"
 #include "nexus/process_names.h"
 #include "pmd/byte_cursor.h"
 #include "symbols/calltrace.h"
@@ -32,8 +31,6 @@ struct names_state {
 };
 names_state names;
 
-bool named(const nexus_field& field, const char* name) { return std::strcmp(field.name, name) == 0; }
-
 // Names and source positions need both -n and a symbol file.
 bool names_condition(const krd_options* options) {
     return options->symbol_file != nullptr && (options->flags & KRD_OPT_NEXUS_NAMES) != 0;
@@ -46,26 +43,35 @@ void print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint
 }
 
 void print_words(out_buffer& out, int number, const uint32_t* words, int count) {
-    nexus_printf(out, "#%d ", number);
-    for (int i = 0; i < count; i++) nexus_printf(out, "[0x%08x] ", words[i]);
+    // "#%d ", then "[0x%08x] " for each word
+    text_span t(out, 16 + 13 * NEXUS_MAX_WORDS);
+    t.text("#");
+    t.dec(uint32_t(number));
+    t.text(" ");
+    for (int i = 0; i < count; i++) {
+        t.text("[0x");
+        t.hex8(words[i]);
+        t.text("] ");
+    }
 }
 
-void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, const uint32_t* words, int count) {
+// msg is the section's one record, set up anew for each message.
+void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, nexus_msg& msg, const uint32_t* words,
+                            int count) {
     const uint8_t tcode = nexus_tcode(words[0]);
     int row = 0;
     const bool known = validate_tcode(tcode, &row);
     if (tcode == 8 && count > 2) {
         // An Error Message has at most two words.
-        nexus_printf(out, "Unsupported/Reserved Error message with TCODE (%2d) !!!!! \n", tcode);
+        out_printf(out, "Unsupported/Reserved Error message with TCODE (%2d) !!!!! \n", tcode);
     } else if (!known) {
-        nexus_printf(out, "Unsupported/Reserved TCODE (%2d) !!!!! \n", tcode);
+        out_printf(out, "Unsupported/Reserved TCODE (%2d) !!!!! \n", tcode);
     } else {
-        nexus_msg msg;
         msg.word_count = uint8_t(count);
         msg.tcode = tcode;
         msg.src = nexus_src(words[0]);
         msg.name = nexus_messages[row].name;
-        msg.field_count = uint8_t(std::strtoul(nexus_messages[row].field_count, nullptr, 10));
+        msg.field_count = get_msg_field_count(row);
         get_msg_field_details(&msg, words[0], row);
         get_msg_field_values(&msg, std::span<const uint32_t>(words, size_t(count)));
         print_message(out, f, options, msg);
@@ -81,45 +87,95 @@ int search_in_file(out_buffer& out, const char* text) {
     }
     if (names.state == names_state::missing) return -1;
     proc_list_find(names.file, text, &names.hits);
-    for (uint32_t line : names.hits)
-        nexus_printf(out, "%s ", proc_list_first_word(names.file.lines[line]).c_str());
+    for (uint32_t line : names.hits) {
+        const std::string name = proc_list_first_word(names.file.lines[line]);
+        out.put(name.data(), name.size());
+        out.put(' ');
+    }
     return 0;
 }
 
 int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg) {
     uint32_t pc = 0, uaddr = 0;
-    nexus_printf(out, "  :Msg Type = %s", msg.name);
-    nexus_printf(out, "\n   TCODE = %02d : SRC = %02d ", msg.tcode, msg.src);
-    if ((msg.src & 1) == 0) nexus_printf(out, "[Core = e500mc_core_%02d] ", (msg.src >> 1) & 15);
-    else nexus_printf(out, " :");
-
-    for (int i = 2; i < msg.field_count; i++) {
-        const nexus_field& field = msg.fields[size_t(i)];
-        const auto& v = field.value;
-        nexus_printf(out, named(field, "PC") ? " %s/FADDR = " : " %s = ", field.name);
-        if (named(field, "TSTAMP")) {
-            nexus_printf(out, " %u ", v[0]);
-        } else if (named(field, "PROCESS_ID")) {
-            const uint32_t id = v[1] << 13 | v[0];
-            nexus_printf(out, " 0x%08lx ", (unsigned long)id);
-            if (options->flags & KRD_OPT_NEXUS_NAMES) {
-                char text[16];
-                std::snprintf(text, sizeof text, "%lx", (unsigned long)id);
-                search_in_file(out, text);
-            }
-        } else if (named(field, "PC")) {
-            // A second word of up to two bits extends the first.
-            pc = v[1] <= 3 ? v[1] << 30 | v[0] : v[0];
-            nexus_printf(out, " 0x%lx :", (unsigned long)pc);
-            last_addr = pc;
-        } else if (named(field, "U-ADDR")) {
-            uaddr = v[1] <= 3 ? v[1] << 30 | v[0] : v[0];
-            nexus_printf(out, " 0x%lx ", (unsigned long)uaddr);
-            pc_ptbm = last_addr ^ uaddr;
-            if (v[1] <= 3) last_addr = pc_ptbm;
-            nexus_printf(out, ": PC_PTBM = 0x%lx :", (unsigned long)pc_ptbm);
+    {
+        // The block up to the addresses' translations: at most 80 characters
+        // in front of the fields and 60 for each field.
+        constexpr size_t room = 80 + 60 * NEXUS_MAX_FIELDS;
+        text_span t(out, room);
+        // "  :Msg Type = %s", "\n   TCODE = %02d : SRC = %02d "
+        t.text("  :Msg Type = ");
+        t.cstr(msg.name);
+        t.text("\n   TCODE = ");
+        t.dec(msg.tcode, 2);
+        t.text(" : SRC = ");
+        t.dec(msg.src, 2);
+        t.text(" ");
+        if ((msg.src & 1) == 0) {
+            // "[Core = e500mc_core_%02d] "
+            t.text("[Core = e500mc_core_");
+            t.dec((msg.src >> 1) & 15, 2);
+            t.text("] ");
         } else {
-            nexus_printf(out, " 0x%x :", v[0]);
+            t.text(" :");
+        }
+
+        for (int i = 2; i < msg.field_count && i < NEXUS_MAX_FIELDS; i++) {
+            const nexus_field& field = msg.fields[size_t(i)];
+            const auto& v = field.value;
+            // " %s/FADDR = " for the PC, " %s = " for the others
+            t.text(" ");
+            t.cstr(field.name);
+            if (field.role == nexus_role::pc) t.text("/FADDR = ");
+            else t.text(" = ");
+
+            switch (field.role) {
+            case nexus_role::tstamp:
+                // " %u "
+                t.text(" ");
+                t.dec(v[0]);
+                t.text(" ");
+                break;
+            case nexus_role::process_id: {
+                // " 0x%08lx ", then the names of the lines that hold "%lx"
+                const uint32_t id = v[1] << 13 | v[0];
+                t.text(" 0x");
+                t.hex8(id);
+                t.text(" ");
+                if (options->flags & KRD_OPT_NEXUS_NAMES) {
+                    char text[16];
+                    std::snprintf(text, sizeof text, "%lx", (unsigned long)id);
+                    t.commit();
+                    search_in_file(out, text);
+                    t.reopen(room);
+                }
+                break;
+            }
+            case nexus_role::pc:
+                // A second word of up to two bits extends the first. " 0x%lx :"
+                pc = v[1] <= 3 ? v[1] << 30 | v[0] : v[0];
+                t.text(" 0x");
+                t.hex(pc);
+                t.text(" :");
+                last_addr = pc;
+                break;
+            case nexus_role::u_addr:
+                // " 0x%lx ", then ": PC_PTBM = 0x%lx :"
+                uaddr = v[1] <= 3 ? v[1] << 30 | v[0] : v[0];
+                pc_ptbm = last_addr ^ uaddr;
+                if (v[1] <= 3) last_addr = pc_ptbm;
+                t.text(" 0x");
+                t.hex(uaddr);
+                t.text(" : PC_PTBM = 0x");
+                t.hex(pc_ptbm);
+                t.text(" :");
+                break;
+            default:
+                // " 0x%x :"
+                t.text(" 0x");
+                t.hex(v[0]);
+                t.text(" :");
+                break;
+            }
         }
     }
 
@@ -130,11 +186,11 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
     if (pc >= 2 && translate) {
         print_address_line(out, f, options, pc);
         if (core <= 7) *F_ADDR_cores[core] = pc;
-        else nexus_printf(out, "New core : %d", core);
+        else out_printf(out, "New core : %d", core);
     }
     if (uaddr >= 2 && translate) {
         if (core <= 7) uaddr ^= *F_ADDR_cores[core];
-        else nexus_printf(out, "New core : %d", core);
+        else out_printf(out, "New core : %d", core);
         print_address_line(out, f, options, uaddr);
     }
     // A translation has ended the line already.
@@ -150,6 +206,7 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
     }
     {
         auto out = std::make_unique<out_buffer>(stream);
+        auto msg = std::make_unique<nexus_msg>();
         be_cursor cursor(payload);
         uint32_t words[NEXUS_MAX_WORDS];
         int count = 0;
@@ -165,7 +222,7 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
                 continue;
             }
             print_words(*out, ++number, words, count);
-            print_complete_message(*out, f, options, words, count);
+            print_complete_message(*out, f, options, *msg, words, count);
             count = 0;
         }
     }
