@@ -99,8 +99,9 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
     uint32_t pc = 0, uaddr = 0;
     {
         // The block up to the addresses' translations: at most 80 characters
-        // in front of the fields and 60 for each field.
-        constexpr size_t room = 80 + 60 * NEXUS_MAX_FIELDS;
+        // in front of the fields, and a field's label and value take at most
+        // 28 and 36.
+        constexpr size_t room = 80 + 64 * NEXUS_MAX_FIELDS;
         text_span t(out, room);
         // "  :Msg Type = %s", "\n   TCODE = %02d : SRC = %02d "
         t.text("  :Msg Type = ");
