@@ -70,9 +70,12 @@ void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, 
         msg.word_count = uint8_t(count);
         msg.tcode = tcode;
         msg.src = nexus_src(words[0]);
-        msg.name = nexus_messages[row].name;
-        msg.field_count = get_msg_field_count(row);
-        get_msg_field_details(&msg, words[0], row);
+        // Names and widths stay from a message of the same kind before.
+        if (msg.name != nexus_messages[row].name) {
+            msg.name = nexus_messages[row].name;
+            msg.field_count = get_msg_field_count(row);
+            get_msg_field_details(&msg, words[0], row);
+        }
         get_msg_field_values(&msg, std::span<const uint32_t>(words, size_t(count)));
         print_message(out, f, options, msg);
     }

@@ -68,11 +68,26 @@ struct text_span {
     // least min_digits (at most 10): "%02d" is dec(v, 2).
     void dec(uint32_t v, int min_digits = 1) {
         static constexpr uint32_t powers[] = {10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+        static constexpr char pairs[] =
+            "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+            "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+            "8081828384858687888990919293949596979899";
         int n = 1;
         while (n < 10 && v >= powers[n - 1]) n++;
         if (n < min_digits) n = min_digits > 10 ? 10 : min_digits;
         p += n;
         char* q = p;
-        for (int i = 0; i < n; i++, v /= 10) *--q = char('0' + v % 10);
+        // Two digits at a time from the back; zeros fill up to n.
+        for (int left = n; left > 0;) {
+            if (left >= 2) {
+                q -= 2;
+                std::memcpy(q, pairs + 2 * (v % 100), 2);
+                v /= 100;
+                left -= 2;
+            } else {
+                *--q = char('0' + v % 10);
+                left--;
+            }
+        }
     }
 };
