@@ -6,6 +6,20 @@
 #include <span>
 
 #include "cli/krd_options.h"
+#include "nexus/nexus_messages.h"
 #include "pmd/krd_file.h"
+#include "render/out_buffer.h"
 
+// Addresses rebuilt across messages, sections and cores, for the whole run.
+extern uint32_t last_addr;
+extern uint32_t pc_ptbm;
+extern uint32_t F_ADDR_core0, F_ADDR_core1, F_ADDR_core2, F_ADDR_core3;
+extern uint32_t F_ADDR_core4, F_ADDR_core5, F_ADDR_core6, F_ADDR_core7;
+
+// The section "NPC TRACE BUFFER": message by message. Always 0.
 int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload);
+// One decoded message's block. Always 0.
+int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg);
+// Names of the processes whose line in "Proc_list_temp.txt" holds text.
+// 0, or -1 if the file cannot be read.
+int search_in_file(out_buffer& out, const char* text);

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 extern char** environ;
 
@@ -33,7 +34,8 @@ struct tool_file {
     tool_process process;
     int fruitless = 0;      // fresh processes in a row that answered nothing
     bool given_up = false;  // a tool that cannot answer is not started for every address
-    std::map<uint32_t, cross_tool_answer> answers;
+    // Looked up once per translated address: a long Nexus trace asks millions of times.
+    std::unordered_map<uint32_t, cross_tool_answer> answers;
 };
 
 struct tool_state {
@@ -268,7 +270,7 @@ cross_tool_answer cross_tool_cut_answer(const std::string& first, const std::str
     return {chunks[0], chunks[1]};
 }
 
-cross_tool_answer cross_tool_translate(const std::string& elf_file, uint32_t lookup) {
+const cross_tool_answer& cross_tool_translate(const std::string& elf_file, uint32_t lookup) {
     tool_file& tf = file_state(elf_file);
     auto hit = tf.answers.find(lookup);
     if (hit == tf.answers.end()) {

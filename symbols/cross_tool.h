@@ -26,8 +26,8 @@ const std::string& cross_tool_path();
 std::string cross_tool_search_path(const char* name, const char* path_list);
 // The tool's answer for one address as linked in the file. An answer that
 // came with an earlier batch is not asked again: the tool's answers depend
-// on the file and the address alone.
-cross_tool_answer cross_tool_translate(const std::string& elf_file, uint32_t lookup);
+// on the file and the address alone. The answer stays until cross_tool_close_all.
+const cross_tool_answer& cross_tool_translate(const std::string& elf_file, uint32_t lookup);
 
 // Asks for many addresses at once: all are written to the tool while its
 // answers are read, instead of one round trip each.
