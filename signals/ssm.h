@@ -1,12 +1,82 @@
 // The signal symbol manager: zip archives of signal symbol files, their
 // members loaded on demand, and the printing of a signal by its table.
+//
+// One archive is selected at a time. Its members are named exactly like
+// the load modules whose signals they describe; a member is read and its
+// tables made usable on first use.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
+#include <string>
 
 #include "cli/krd_options.h"
 #include "signals/signals.h"
+
+// Result codes of the manager; ssmResultText gives their words.
+inline constexpr int SSM_OK = 0;
+inline constexpr int SSM_NOT_SELECTED = -1;
+inline constexpr int SSM_ARCHIVE_ERROR = -2;
+inline constexpr int SSM_SHORT_READ = -3;
+inline constexpr int SSM_NO_SUCH_FILE = -4;
+inline constexpr int SSM_CORRUPT_TABLE = -5;
+inline constexpr int SSM_DUPLICATE_NAMES = -6;
+inline constexpr int SSM_NO_TABLES = -8;
+inline constexpr int SSM_NO_MEMORY = -9;
+inline constexpr int SSM_BAD_SIGNAL = -10;
+
+const char* ssmResultText(int code);
+
+// Every block of the data base comes from this pair.
+struct SsmAllocators {
+    void* (*alloc)(size_t size);
+    void (*release)(void* block);
+};
+
+// One archive member.
+struct SsmFile {
+    SsmFile* next = nullptr;
+    int32_t loaded = 0;
+    std::string name;
+    uint8_t* image = nullptr;
+    uint32_t image_size = 0;  // as the zip directory states it
+    uint32_t table_count = 0;
+    uint32_t* tables = nullptr;  // header positions in the image
+    // Where its directory entry stands, to go back to it.
+    unsigned long dir_offset = 0;
+    unsigned long dir_index = 0;
+    uint32_t size_bound = 0;  // the most the entry can inflate to
+};
+
+struct SsmDataBase {
+    int32_t selected = 0;
+    std::string archive_path;
+    uint32_t memory_used = 0;
+    uint32_t file_count = 0;
+    SsmFile* last_file = nullptr;
+    SsmFile* first_file = nullptr;
+    SsmAllocators alloc = {nullptr, nullptr};
+};
+
+int ssmSelectArchive(const char* path, const SsmAllocators* allocators);
+void deleteSsmDataBase();
+int ssmLoad(const char* lmid);
+int ssmUnload(const char* lmid);
+// ssmUnloadAll is declared in signals.h.
+int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char);
+
+// A snapshot of the data base: a head row (selected, archive path, memory
+// used, file count), then one row per member (loaded, name, image size,
+// table count). Texts are cut to 255 characters.
+struct SsmInfoRow {
+    int32_t flag;
+    char text[256];
+    uint32_t first;
+    uint32_t second;
+};
+std::unique_ptr<SsmInfoRow[]> ssmInfo();
 
 // Finds, across the -z archives, the member for record->lmid and loads it.
 // 0 loaded, 1 nothing to do, otherwise a negative result code.

@@ -1,0 +1,486 @@
+// The signal symbol manager on minizip.
+//
+// Selecting an archive reads its directory only; a member is inflated the
+// first time a signal needs it. A dump whose signals alternate between
+// archives switches the selection back and forth, and every switch
+// discards the loaded members. So that this does not cost a directory read
+// and an inflation per signal, the run keeps each archive's directory
+// listing and a pristine copy of each member image it has read; a load
+// then reformats a fresh copy, with the same results as reading anew.
+#include "signals/ssm.h"
+
+#include <sys/stat.h>
+#include <minizip/unzip.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <new>
+#include <unordered_map>
+#include <vector>
+
+#include "signals/sig_print.h"
+#include "signals/sig_table.h"
+
+static const struct {
+    int code;
+    const char* text;
+} ssm_result_texts[] = {
+    {-10, "The signal and signalSize args are illegal."},
+    {-9, "The required memory can not be allocated."},
+    {-8, "No signal tables exists in the signal symbol file."},
+    {-7, ""},
+    {-6, "Not all signal symbol file names are unique in the zip archive."},
+    {-5, "Corrupt format in a signal table."},
+    {-4, "File does not exist in the archive."},
+    {-3, "Not all bytes can be read in the signal symbol file."},
+    {-2, "Problems accessing the zip archive."},
+    {-1, "No zip archive has been selected."},
+    {0, "The signal symbol file could be loaded into memory and its signal tables added to the data base."},
+};
+
+const char* ssmResultText(int code) {
+    if (code < -10 || code > 0) return "";
+    return ssm_result_texts[code + 10].text;
+}
+
+static SsmDataBase db;
+static std::unordered_map<std::string_view, SsmFile*> file_index;  // first record of each name
+
+// ---- What the run keeps across selections ----
+
+struct ssm_entry {
+    std::string name;
+    uint32_t size;
+    uint32_t size_bound;
+    unsigned long dir_offset;
+    unsigned long dir_index;
+};
+struct ssm_listing {
+    int result;                      // 0, or -6 when names repeat
+    std::vector<ssm_entry> entries;  // the first entry of each name, in directory order
+    uint64_t archive_size;
+};
+static std::map<std::string, ssm_listing> listing_cache;
+static std::map<std::string, std::vector<uint8_t>, std::less<>> image_cache;  // archive path, NUL, member name
+
+static std::string image_key(const std::string& path, const std::string& name) {
+    std::string key = path;
+    key.push_back('\0');
+    key += name;
+    return key;
+}
+
+// ---- Records ----
+
+static void resetSsmDataBase() {
+    db.selected = 0;
+    db.archive_path.clear();
+    db.memory_used = 0;
+    db.file_count = 0;
+    db.first_file = db.last_file = nullptr;
+    file_index.clear();
+}
+
+static SsmFile* ssmFindFile(const char* lmid) {
+    if (!lmid) return nullptr;
+    auto it = file_index.find(lmid);
+    return it == file_index.end() ? nullptr : it->second;
+}
+
+static SsmFile* ssmCreateFile(const ssm_entry& entry) {
+    void* block = db.alloc.alloc(sizeof(SsmFile));
+    if (!block) return nullptr;
+    SsmFile* f = new (block) SsmFile;
+    f->name = entry.name;
+    f->image_size = entry.size;
+    f->size_bound = entry.size_bound;
+    f->dir_offset = entry.dir_offset;
+    f->dir_index = entry.dir_index;
+    db.memory_used += sizeof(SsmFile);
+    return f;
+}
+
+static void ssmAppendFile(SsmFile* f) {
+    if (db.last_file) db.last_file->next = f;
+    else db.first_file = f;
+    db.last_file = f;
+    db.file_count++;
+    file_index.emplace(f->name, f);
+}
+
+static void ssmFreeFile(SsmFile* f) {
+    if (f->image) db.alloc.release(f->image);
+    f->image = nullptr;
+    db.memory_used -= f->image_size;
+    f->loaded = 0;
+}
+
+static void ssmFreeTableList(SsmFile* f) {
+    if (f->tables) {
+        db.alloc.release(f->tables);
+        db.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
+    }
+    f->tables = nullptr;
+    f->table_count = 0;
+}
+
+static void ssmUnloadFile(SsmFile* f) {
+    if (!f->loaded) return;
+    ssmFreeFile(f);
+    ssmFreeTableList(f);
+}
+
+void deleteSsmDataBase() {
+    for (SsmFile* f = db.first_file; f;) {
+        SsmFile* next = f->next;
+        ssmUnloadFile(f);
+        f->~SsmFile();
+        db.alloc.release(f);
+        f = next;
+    }
+    resetSsmDataBase();
+}
+
+// ---- Selecting an archive ----
+
+// The archive's directory: every entry's name, size and place.
+static int ssmReadDirectory(const char* path, ssm_listing* out) {
+    unzFile zip = unzOpen(path);
+    if (!zip) return SSM_ARCHIVE_ERROR;
+    if (unzGoToFirstFile(zip) != UNZ_OK) {
+        unzClose(zip);
+        return SSM_ARCHIVE_ERROR;
+    }
+    struct stat st;
+    out->archive_size = stat(path, &st) == 0 ? uint64_t(st.st_size) : 0;
+    out->result = SSM_OK;
+    // A zip entry's name has at most 65535 bytes.
+    std::vector<char> name(65536 + 1);
+    std::unordered_map<std::string, bool> seen;
+    for (;;) {
+        unz_file_info info;
+        unz_file_pos pos;
+        if (unzGetCurrentFileInfo(zip, &info, name.data(), uLong(name.size()), nullptr, 0, nullptr, 0) != UNZ_OK ||
+            unzGetFilePos(zip, &pos) != UNZ_OK) {
+            unzClose(zip);
+            return SSM_ARCHIVE_ERROR;
+        }
+        // Deflate makes at most 1032 bytes of one; a stored entry is as it is.
+        const uint64_t packed = std::min<uint64_t>(info.compressed_size, out->archive_size);
+        const uint64_t bound = info.compression_method == 0 ? packed : packed * 1032 + 4096;
+        ssm_entry entry{std::string(name.data()), uint32_t(info.uncompressed_size),
+                        uint32_t(std::min<uint64_t>(bound, UINT32_MAX)), pos.pos_in_zip_directory,
+                        pos.num_of_file};
+        if (seen.emplace(entry.name, true).second) out->entries.push_back(std::move(entry));
+        else out->result = SSM_DUPLICATE_NAMES;
+        const int next = unzGoToNextFile(zip);
+        if (next == UNZ_END_OF_LIST_OF_FILE) break;
+        if (next != UNZ_OK) {
+            unzClose(zip);
+            return SSM_ARCHIVE_ERROR;
+        }
+    }
+    unzClose(zip);
+    return SSM_OK;
+}
+
+int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
+    if (db.alloc.release) deleteSsmDataBase();
+    db.alloc = *allocators;
+    resetSsmDataBase();
+    if (!path) return SSM_ARCHIVE_ERROR;
+    db.archive_path = path;
+
+    auto cached = listing_cache.find(db.archive_path);
+    if (cached == listing_cache.end()) {
+        ssm_listing listing;
+        if (int r = ssmReadDirectory(path, &listing); r != SSM_OK) return r;
+        cached = listing_cache.emplace(db.archive_path, std::move(listing)).first;
+    }
+    for (const ssm_entry& entry : cached->second.entries) {
+        SsmFile* f = ssmCreateFile(entry);
+        if (!f) return SSM_NO_MEMORY;
+        ssmAppendFile(f);
+    }
+    db.selected = 1;
+    return cached->second.result;
+}
+
+// ---- Loading a member ----
+
+// The member's bytes from the archive, into f->image.
+static int ssmInflate(SsmFile* f) {
+    unzFile zip = unzOpen(db.archive_path.c_str());
+    if (!zip) return SSM_ARCHIVE_ERROR;
+    unz_file_pos pos{f->dir_offset, f->dir_index};
+    if (unzGoToFilePos(zip, &pos) != UNZ_OK) {
+        unzClose(zip);
+        return SSM_ARCHIVE_ERROR;
+    }
+    // A size the entry cannot inflate to would never be read whole.
+    if (f->image_size > f->size_bound) {
+        unzClose(zip);
+        return SSM_SHORT_READ;
+    }
+    f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
+    if (!f->image) {
+        unzClose(zip);
+        return SSM_NO_MEMORY;
+    }
+    db.memory_used += f->image_size;
+    std::memset(f->image, 0, std::max<size_t>(f->image_size, 1));
+    if (unzOpenCurrentFile(zip) != UNZ_OK) {
+        unzClose(zip);
+        ssmFreeFile(f);
+        return SSM_ARCHIVE_ERROR;
+    }
+    uint32_t got = 0;
+    while (got < f->image_size) {
+        const int n = unzReadCurrentFile(zip, f->image + got, std::min<uint32_t>(f->image_size - got, 1u << 30));
+        if (n <= 0) break;
+        got += uint32_t(n);
+    }
+    unzCloseCurrentFile(zip);
+    unzClose(zip);
+    if (got < f->image_size) {
+        ssmFreeFile(f);
+        return SSM_SHORT_READ;
+    }
+    return SSM_OK;
+}
+
+// The member's image: a fresh copy of the one read before in this run, or
+// read from the archive now.
+static int ssmReadFile(SsmFile* f) {
+    auto cached = image_cache.find(image_key(db.archive_path, f->name));
+    if (cached != image_cache.end()) {
+        f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
+        if (!f->image) return SSM_NO_MEMORY;
+        db.memory_used += f->image_size;
+        std::memcpy(f->image, cached->second.data(), f->image_size);
+    } else {
+        if (int r = ssmInflate(f); r != SSM_OK) return r;
+        image_cache.emplace(image_key(db.archive_path, f->name),
+                            std::vector<uint8_t>(f->image, f->image + f->image_size));
+    }
+    f->loaded = 1;
+    return SSM_OK;
+}
+
+static const std::string_view table_mark = SIGDB_MAGIC_TEXT;
+
+// ssmFindText: 0 and the hit, 1 when the pattern is longer than the range,
+// 2 without a hit. A candidate that fails at pattern position k resumes the
+// scan k + 1 bytes behind it.
+static int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, size_t* found) {
+    if (pattern.size() > length) return 1;
+    size_t i = 0;
+    while (i + pattern.size() <= length) {
+        const void* c = std::memchr(start + i, pattern[0], length - pattern.size() + 1 - i);
+        if (!c) return 2;
+        const size_t candidate = size_t(static_cast<const uint8_t*>(c) - start);
+        size_t k = 1;
+        while (k < pattern.size() && start[candidate + k] == uint8_t(pattern[k])) k++;
+        if (k == pattern.size()) {
+            *found = candidate;
+            return 0;
+        }
+        i = candidate + k + 1;
+    }
+    return 2;
+}
+
+// ssmFindTables: the header positions of the tables in an image, found by
+// their text 44 bytes into the header. A text in the image's first 44
+// bytes gives a position below the image, which wraps and fails the range
+// test of the reformatting.
+static std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size) {
+    std::vector<uint32_t> tables;
+    size_t at = 0, hit = 0;
+    while (at < size && ssmFindText(table_mark, image + at, size - at, &hit) == 0) {
+        tables.push_back(uint32_t(at + hit) - SYM_TEXT);
+        at += hit + SYM_TEXT_SIZE;
+    }
+    return tables;
+}
+
+int ssmLoad(const char* lmid) {
+    if (!db.selected) return SSM_NOT_SELECTED;
+    SsmFile* f = ssmFindFile(lmid);
+    if (!f) return SSM_NO_SUCH_FILE;
+    if (f->loaded) return SSM_OK;
+    if (int r = ssmReadFile(f); r != SSM_OK) return r;
+
+    const std::vector<uint32_t> found = ssmFindTables(f->image, f->image_size);
+    f->table_count = uint32_t(found.size());
+    if (found.empty()) {
+        ssmUnloadFile(f);
+        return SSM_NO_TABLES;
+    }
+    const uint32_t list_size = f->table_count * uint32_t(sizeof(uint32_t));
+    f->tables = static_cast<uint32_t*>(db.alloc.alloc(list_size));
+    if (!f->tables) {
+        ssmUnloadFile(f);
+        return SSM_NO_MEMORY;
+    }
+    db.memory_used += list_size;
+    std::copy(found.begin(), found.end(), f->tables);
+
+    const std::span<uint8_t> image(f->image, f->image_size);
+    for (uint32_t t = 0; t < f->table_count; t++) {
+        if (reformat_magic_table({image, f->tables[t]}, 0, 0, f->image_size - 1) != 0) {
+            ssmUnloadFile(f);
+            return SSM_CORRUPT_TABLE;
+        }
+    }
+    return SSM_OK;
+}
+
+int ssmUnload(const char* lmid) {
+    if (!db.selected) return SSM_NOT_SELECTED;
+    SsmFile* f = ssmFindFile(lmid);
+    if (!f) return SSM_NO_SUCH_FILE;
+    ssmUnloadFile(f);
+    return SSM_OK;
+}
+
+// Also gives back what the run kept to read again: this is called when
+// memory ran out, and at the end of the report.
+int ssmUnloadAll() {
+    image_cache.clear();
+    listing_cache.clear();
+    if (!db.selected) return SSM_NOT_SELECTED;
+    for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
+    return SSM_OK;
+}
+
+static sig_table file_table(const SsmFile* f, uint32_t t) { return {{f->image, f->image_size}, f->tables[t]}; }
+
+int ssmPrint(const char* lmid, const uint8_t* signal, uint32_t size, ssm_putc_fn put_char) {
+    if (!signal || size == 0) return SSM_BAD_SIGNAL;
+    if (lmid) {
+        if (!db.selected) return SSM_NOT_SELECTED;
+        const SsmFile* f = ssmFindFile(lmid);
+        if (f && f->loaded)
+            for (uint32_t t = 0; t < f->table_count; t++)
+                if (ssm_print_signal(file_table(f, t), signal, size, 0, put_char, nullptr, nullptr, 0) == 0)
+                    return SSM_OK;
+    }
+    ssm_print_hex_dump(signal, size, 0, put_char);
+    return SSM_OK;
+}
+
+int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char) {
+    if (!db.selected) return SSM_NOT_SELECTED;
+    const SsmFile* f = ssmFindFile(lmid);
+    if (!f) return SSM_NO_SUCH_FILE;
+    int names = 0;
+    if (f->loaded)
+        for (uint32_t t = 0; t < f->table_count; t++) names += ssm_print_signal_name(file_table(f, t), signo, put_char);
+    return names;
+}
+
+static void info_text(char* out, const std::string& text) {
+    const size_t n = std::min<size_t>(text.size(), 255);
+    std::memcpy(out, text.data(), n);
+    out[n] = '\0';
+}
+
+std::unique_ptr<SsmInfoRow[]> ssmInfo() {
+    if (!db.selected) return nullptr;
+    std::unique_ptr<SsmInfoRow[]> rows(new (std::nothrow) SsmInfoRow[db.file_count + 1]());
+    if (!rows) return nullptr;
+    rows[0].flag = db.selected;
+    info_text(rows[0].text, db.archive_path);
+    rows[0].first = db.memory_used;
+    rows[0].second = db.file_count;
+    size_t i = 1;
+    for (const SsmFile* f = db.first_file; f; f = f->next, i++) {
+        rows[i].flag = f->loaded;
+        info_text(rows[i].text, f->name);
+        rows[i].first = f->image_size;
+        rows[i].second = f->table_count;
+    }
+    return rows;
+}
+
+// ---- The report's side: which archive, and whether to go on ----
+
+static const SsmAllocators heap_allocators = {std::malloc, std::free};
+static SsmAllocators report_allocators = heap_allocators;
+
+static void print_ssm_error(int code) { std::fprintf(stderr, "Error: %s\n", ssmResultText(code)); }
+
+// A failure of the selection itself, told twice.
+static bool selection_failure(int code) {
+    return code == SSM_ARCHIVE_ERROR || code == SSM_DUPLICATE_NAMES || code == SSM_NO_MEMORY;
+}
+
+// A failure of a member that is there but cannot be used.
+static bool load_failure(int code) {
+    return code == SSM_ARCHIVE_ERROR || code == SSM_SHORT_READ || code == SSM_CORRUPT_TABLE ||
+           code == SSM_NO_TABLES || code == SSM_NO_MEMORY;
+}
+
+int handle_sigsymb_file(FILE*, krd_options* options) {
+    report_allocators = heap_allocators;
+    const int r = ssmSelectArchive(options->zip_files[0], &report_allocators);
+    if (r == SSM_OK) return 0;
+    print_ssm_error(r);
+    if (selection_failure(r)) {
+        print_ssm_error(r);
+        if (!(options->flags & KRD_OPT_CONTINUE)) {
+            options->sigsym_failed = 1;
+            free_process_list();
+            return -1;
+        }
+    }
+    return 0;
+}
+
+int load_sigsymb_file(FILE*, const krd_signal_record* record, krd_options* options) {
+    if (!(options->flags & KRD_OPT_ZIP) || !record->lmid || record->size == 0) return 1;
+    const char* lmid = record->lmid;
+    const bool go_on = options->flags & KRD_OPT_CONTINUE;
+    int r = ssmLoad(lmid);
+    if (r == SSM_OK) return 0;
+    if (r == SSM_NO_MEMORY) {
+        ssmUnloadAll();
+        r = ssmLoad(lmid);
+        if (r == SSM_OK) return 0;
+    }
+    if (load_failure(r)) {
+        print_ssm_error(r);
+        if (!go_on) {
+            options->sigsym_failed = 1;
+            return r;
+        }
+    }
+    const int skip = options->zip_current;
+    for (int i = 0; i < options->zip_count; i++) {
+        if (i == skip) continue;
+        const int s = ssmSelectArchive(options->zip_files[i], &report_allocators);
+        if (s != SSM_OK) {
+            print_ssm_error(s);
+            if (selection_failure(s)) {
+                print_ssm_error(s);
+                if (!go_on) {
+                    options->sigsym_failed = 1;
+                    return s;
+                }
+            }
+        }
+        options->zip_current = i;
+        r = ssmLoad(lmid);
+        if (r == SSM_OK) return 0;
+        if (load_failure(r)) {
+            print_ssm_error(r);
+            if (!go_on) {
+                options->sigsym_failed = 1;
+                return r;
+            }
+        }
+    }
+    return r;
+}
