@@ -7,6 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <fcntl.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -24,16 +27,41 @@ inline int sink_put(int ch) {
     return 0;
 }
 
-// Runs a program by its argument vector; its exit status.
-inline int run_tool(const std::vector<std::string>& args) {
+// Runs a program by its argument vector, standard input and output
+// optionally from and to files; its exit status.
+inline int run_tool(const std::vector<std::string>& args, const std::string& in = "", const std::string& out = "") {
     std::vector<char*> argv;
     for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (!in.empty()) posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+    if (!out.empty()) posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t pid;
-    if (posix_spawnp(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) return -1;
+    const int spawned = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0) return -1;
     int status = 0;
     waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// What a call wrote to the standard error stream.
+template <class F>
+std::string capture_stderr(F call) {
+    std::fflush(stderr);
+    const int saved = dup(2);
+    FILE* tmp = std::tmpfile();
+    dup2(fileno(tmp), 2);
+    call();
+    std::fflush(stderr);
+    dup2(saved, 2);
+    close(saved);
+    std::rewind(tmp);
+    std::string text;
+    for (int c; (c = std::fgetc(tmp)) != EOF;) text += char(c);
+    std::fclose(tmp);
+    return text;
 }
 
 inline std::vector<sigdb_member_file> describe(const std::string& description) {
@@ -83,5 +111,25 @@ struct scratch_dir {
         }
         EXPECT_EQ(run_tool(args), 0);
         return (path / zip_name).string();
+    }
+
+    // Renames the archive's entry at index to the name of the entry
+    // before it, with zipnote: two entries of one name.
+    void repeat_name(const std::string& zip, int index) const {
+        const std::string notes = (path / "notes").string();
+        ASSERT_EQ(run_tool({"zipnote", zip}, "", notes), 0);
+        std::ifstream in(notes);
+        std::string text, line, previous;
+        for (int entry = -1; std::getline(in, line);) {
+            text += line + "\n";
+            if (line.starts_with("@ ") && line != "@ (comment above this line)" &&
+                line != "@ (zip file comment below this line)") {
+                if (++entry == index) text += "@=" + previous + "\n";
+                previous = line.substr(2);
+            }
+        }
+        in.close();
+        std::ofstream(notes) << text;
+        ASSERT_EQ(run_tool({"zipnote", "-w", zip}, notes), 0);
     }
 };
