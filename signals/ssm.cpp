@@ -270,10 +270,7 @@ static int ssmReadFile(SsmFile* f) {
 
 static const std::string_view table_mark = SIGDB_MAGIC_TEXT;
 
-// ssmFindText: 0 and the hit, 1 when the pattern is longer than the range,
-// 2 without a hit. A candidate that fails at pattern position k resumes the
-// scan k + 1 bytes behind it.
-static int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, size_t* found) {
+int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, size_t* found) {
     if (pattern.size() > length) return 1;
     size_t i = 0;
     while (i + pattern.size() <= length) {

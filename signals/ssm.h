@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "cli/krd_options.h"
 #include "signals/signals.h"
@@ -66,6 +67,12 @@ int ssmLoad(const char* lmid);
 int ssmUnload(const char* lmid);
 // ssmUnloadAll is declared in signals.h.
 int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char);
+
+// The search for a table's text in a member image: 0 and the hit's
+// position, 1 when the pattern is longer than the range, 2 without a hit.
+// A candidate that fails at pattern position k resumes the scan k + 1
+// bytes behind its start.
+int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, size_t* found);
 
 // A snapshot of the data base: a head row (selected, archive path, memory
 // used, file count), then one row per member (loaded, name, image size,
