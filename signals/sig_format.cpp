@@ -82,15 +82,23 @@ sig_format sig_check_format(std::string_view f) {
     return r;
 }
 
-size_t sig_format_integer(const sig_format& format, uint64_t value, char* buffer, size_t size) {
+// value, value_bits wide, extended to 64 bits by its sign or by zeros.
+static uint64_t widen(uint64_t value, int bits, bool is_signed) {
+    if (bits >= 64) return value;
+    value &= (uint64_t(1) << bits) - 1;
+    const uint64_t sign = uint64_t(1) << (bits - 1);
+    return is_signed ? (value ^ sign) - sign : value;
+}
+
+size_t sig_format_integer(const sig_format& format, uint64_t value, int value_bits, bool value_signed,
+                          char* buffer, size_t size) {
+    value = widen(value, value_bits, value_signed);
     if (format.bits < 64) value &= (uint64_t(1) << format.bits) - 1;
     int n;
     if (format.is_char) {
         n = std::snprintf(buffer, size, format.text, int(value));
     } else if (format.is_signed) {
-        // Sign-extend from the width the format reads.
-        const uint64_t sign = uint64_t(1) << (format.bits - 1);
-        n = std::snprintf(buffer, size, format.text, (long long)((value ^ sign) - sign));
+        n = std::snprintf(buffer, size, format.text, (long long)widen(value, format.bits, true));
     } else {
         n = std::snprintf(buffer, size, format.text, (unsigned long long)value);
     }

@@ -23,6 +23,9 @@ struct sig_format {
 sig_format sig_check_format(std::string_view format);
 
 // The value through a checked format, into buffer; returns the length
-// written (cut to the buffer).
-size_t sig_format_integer(const sig_format& format, uint64_t value, char* buffer, size_t size);
+// written (cut to the buffer). The value is value_bits wide and signed or
+// not, as a C argument of its type would be: a signed short prints -1
+// through "%d", and 0xffffffff through "%x".
+size_t sig_format_integer(const sig_format& format, uint64_t value, int value_bits, bool value_signed,
+                          char* buffer, size_t size);
 size_t sig_format_floating(const sig_format& format, double value, char* buffer, size_t size);

@@ -85,11 +85,19 @@ static void put_enum(SsmPrintContext* ctx, const sig_value& v, uint64_t value) {
     else put_printf(ctx, " 0x%x", uint32_t(value));
 }
 
-static void put_with_format(SsmPrintContext* ctx, const sig_format& f, uint64_t value) {
+// The C types of the type codes that are signed: enum, char, short, int,
+// long, long long.
+static bool signed_type(unsigned type) {
+    return type == 0 || type == 1 || type == 3 || type == 5 || type == 7 || type == 17;
+}
+
+static void put_with_format(SsmPrintContext* ctx, const sig_format& f, uint64_t value, int bits, unsigned type) {
     ctx->put_char(' ');
-    sig_format_integer(f, value, ctx->buffer, SSM_PRINT_BUFFER);
+    sig_format_integer(f, value, bits, signed_type(type), ctx->buffer, SSM_PRINT_BUFFER);
     ssmPutString(ctx->buffer, ctx->put_char);
 }
+
+static int value_bits(unsigned size) { return size >= 8 ? 64 : int(size) * 8; }
 
 // Characters: a text, a run through "%c", a checked format per element,
 // or without a format one number, or a run mixing quoted text and numbers.
@@ -110,7 +118,7 @@ static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format
         return;
     }
     if (f.kind == sig_format::INTEGER) {
-        for (uint32_t i = 0; i < count; i++) put_with_format(ctx, f, element(i));
+        for (uint32_t i = 0; i < count; i++) put_with_format(ctx, f, element(i), 8, v.type);
         return;
     }
     if (count == 1) {
@@ -136,11 +144,11 @@ static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format
     const bool integer_format = f.kind == sig_format::INTEGER;
     switch (v.type) {
     case 0:
-        if (integer_format) put_with_format(ctx, f, size == 4 ? uint32_t(value) : uint16_t(value));
+        if (integer_format) put_with_format(ctx, f, value, size == 4 ? 32 : 16, v.type);
         else put_enum(ctx, v, value);
         return;
     case 3: case 4: case 5: case 6: case 7: case 8:
-        if (integer_format) put_with_format(ctx, f, value);
+        if (integer_format) put_with_format(ctx, f, value, value_bits(size), v.type);
         else if (size == 2) put_printf(ctx, " 0x%hx", uint16_t(value));
         else if (size == 4) put_printf(ctx, " 0x%x", uint32_t(value));
         else put_printf(ctx, " 0x%llx", (unsigned long long)value);
@@ -157,12 +165,12 @@ static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format
         }
         return;
     case 12:
-        if (integer_format) put_with_format(ctx, f, size == 8 ? value : uint32_t(value));
+        if (integer_format) put_with_format(ctx, f, value, size == 8 ? 64 : 32, v.type);
         else if (size == 4) put_printf(ctx, " 0x%x", uint32_t(value));
         else put_printf(ctx, " 0x%llx", (unsigned long long)value);
         return;
     case 17: case 18:
-        if (integer_format) put_with_format(ctx, f, size == 8 ? value : uint32_t(value));
+        if (integer_format) put_with_format(ctx, f, value, size == 8 ? 64 : 32, v.type);
         else if (size == 8) put_printf(ctx, " 0x%llx", (unsigned long long)value);
         else put_printf(ctx, " %x", uint32_t(value));
         return;

@@ -287,10 +287,10 @@ TEST(SignalTable, ConfsigTable) {
 
 TEST(SignalFormat, OnlyOneFittingConversion) {
     char out[64];
-    auto integer = [&](const char* f, uint64_t v) {
+    auto integer = [&](const char* f, uint64_t v, int bits = 64, bool is_signed = false) {
         const sig_format checked = sig_check_format(f);
         EXPECT_EQ(checked.kind, sig_format::INTEGER) << f;
-        sig_format_integer(checked, v, out, sizeof out);
+        sig_format_integer(checked, v, bits, is_signed, out, sizeof out);
         return std::string(out);
     };
     EXPECT_EQ(integer("%d", 0xffffffff), "-1");
@@ -301,6 +301,12 @@ TEST(SignalFormat, OnlyOneFittingConversion) {
     EXPECT_EQ(integer("v=0x%08lX%%", 0xbeef), "v=0x0000BEEF%");
     EXPECT_EQ(integer("[%-3c]", 'A'), "[A  ]");
     EXPECT_EQ(integer("%#o", 8), "010");
+    // As a C argument: a signed short widens by its sign, an unsigned one by zeros.
+    EXPECT_EQ(integer("%d", 0xff9c, 16, true), "-100");
+    EXPECT_EQ(integer("%x", 0xff9c, 16, true), "ffffff9c");
+    EXPECT_EQ(integer("%hx", 0xff9c, 16, true), "ff9c");
+    EXPECT_EQ(integer("%d", 0xff9c, 16, false), "65436");
+    EXPECT_EQ(integer("%lld", 0xffffffff, 32, true), "-1");
     const sig_format f = sig_check_format("%6.2f s");
     ASSERT_EQ(f.kind, sig_format::FLOATING);
     sig_format_floating(f, 1.5, out, sizeof out);

@@ -8,6 +8,8 @@
 #include "signals/tests/sig_fixture.h"
 #include "tests/capture.h"
 
+#include <filesystem>
+
 namespace {
 
 const SsmAllocators heap = {std::malloc, std::free};
@@ -222,6 +224,44 @@ TEST(SignalPrint, CompressedArraysAndTheOneLineStyle) {
     const auto status = fields(true, {{4, 0x1003}, {2, 5}, {2, 16}, {2, 0x0a0b}});
     EXPECT_EQ(ose_print_signal(table, status.data(), uint32_t(status.size()), 1, sink_put, nullptr, nullptr, 1), 0);
     EXPECT_EQ(sink, "STATUS : sig_no = 0x1003, state = 5, flags = 0x0010, <hex> = 0A 0B");
+}
+
+}  // namespace
+
+namespace {
+
+// The example's archive against the signal blocks of the example dump.
+TEST(ExampleArchive, DescribesTheExampleSignals) {
+    const std::string zip = std::string(KRD_BINARY_DIR) + "/examples/sigs.zip";
+    if (!std::filesystem::exists(zip)) GTEST_SKIP() << "the example archive is not built";
+    ASSERT_EQ(ssmSelectArchive(zip.c_str(), &heap), 0);
+    ASSERT_EQ(ssmLoad("LQZ1234567_R1A"), 0);
+    ASSERT_EQ(ssmLoad("LQZ1000001_R4B"), 0);
+    EXPECT_EQ(print("LQZ1234567_R1A", fields(true, {{4, 0x105}, {4, 0x00010023}, {4, 0x2c}}) +
+                                          raw({"link down\0\0\0", 12})),
+              "Signal CTRL_LINK_LOST_IND:\n\n"
+              "00000000: sig_no = 0x105\n"
+              "00000004: reporter = 0x00010023\n"
+              "00000008: fault = 0x2c\n"
+              "0000000C: reason[0] = link down\n"
+              "0000000D: reason[1] = ink down\n"
+              "0000000E: reason[2] = nk down\n"
+              "0000000F: reason[3] = k down\n"
+              "00000010: reason[4] =  down\n"
+              "00000011: reason[5] = down\n"
+              "00000012: reason[6] = own\n"
+              "00000013: reason[7] = wn\n"
+              "00000014: reason[8] = n\n"
+              "00000015: reason[9] = \n"
+              "00000016: reason[10] = \n"
+              "00000017: reason[11] = ");
+    EXPECT_EQ(print("LQZ1234567_R1A", fields(true, {{4, 0x106}, {4, 0x00010020}, {4, 0}, {4, 0}})),
+              "Signal CTRL_RESTART_REQ:\n\n00000000: sig_no = 0x106\n00000004: requester = 0x00010020\n"
+              "00000008: cause = WATCHDOG\n0000000C: delay_ms = 0");
+    EXPECT_EQ(print("LQZ1000001_R4B", fields(true, {{4, 0xf01}, {4, 3}, {4, 250}})),
+              "Signal OS_TIMEOUT_IND:\n\n00000000: sig_no = 0xf01\n00000004: timer_id = 0x3\n"
+              "00000008: elapsed_ms = 250");
+    deleteSsmDataBase();
 }
 
 }  // namespace
