@@ -288,11 +288,9 @@ int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, s
     return 2;
 }
 
-// ssmFindTables: the header positions of the tables in an image, found by
-// their text 44 bytes into the header. A text in the image's first 44
-// bytes gives a position below the image, which wraps and fails the range
-// test of the reformatting.
-static std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size) {
+// A table's text stands 44 bytes into its header; the next search begins
+// behind the whole text field.
+std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size) {
     std::vector<uint32_t> tables;
     size_t at = 0, hit = 0;
     while (at < size && ssmFindText(table_mark, image + at, size - at, &hit) == 0) {

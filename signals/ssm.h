@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/krd_options.h"
 #include "signals/signals.h"
@@ -73,6 +74,11 @@ int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char);
 // A candidate that fails at pattern position k resumes the scan k + 1
 // bytes behind its start.
 int ssmFindText(std::string_view pattern, const uint8_t* start, size_t length, size_t* found);
+
+// The header positions of the signal tables in a member image, found by
+// their text. A text in the image's first 44 bytes gives a position below
+// the image, which wraps and fails the range test of reformat_magic_table.
+std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size);
 
 // A snapshot of the data base: a head row (selected, archive path, memory
 // used, file count), then one row per member (loaded, name, image size,
