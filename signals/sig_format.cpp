@@ -20,9 +20,8 @@ static bool read_field(std::string_view f, size_t* i, char* out, size_t* n) {
 }
 
 sig_format sig_check_format(std::string_view f) {
+    if (!f.data() || f.size() > SIG_FORMAT_MAX) return sig_format{};
     sig_format r;
-    const sig_format none;
-    if (!f.data() || f.size() > SIG_FORMAT_MAX) return none;
     size_t n = 0;
     int conversions = 0;
     for (size_t i = 0; i < f.size(); i++) {
@@ -36,13 +35,13 @@ sig_format sig_check_format(std::string_view f) {
             i++;
             continue;
         }
-        if (++conversions > 1) return none;
+        if (++conversions > 1) return sig_format{};
         r.text[n++] = f[i++];
         while (i < f.size() && std::strchr("-+ #0", f[i]) && f[i] != '\0') r.text[n++] = f[i++];
-        if (!read_field(f, &i, r.text, &n)) return none;
+        if (!read_field(f, &i, r.text, &n)) return sig_format{};
         if (i < f.size() && f[i] == '.') {
             r.text[n++] = f[i++];
-            if (!read_field(f, &i, r.text, &n)) return none;
+            if (!read_field(f, &i, r.text, &n)) return sig_format{};
         }
         // The length as the target reads it: long and size_t are 32 bits.
         std::string_view rest = f.substr(i);
@@ -57,10 +56,10 @@ sig_format sig_check_format(std::string_view f) {
                 break;
             }
         }
-        if (i >= f.size()) return none;
+        if (i >= f.size()) return sig_format{};
         const char conv = f[i];
         if (std::strchr("diouxXc", conv) && conv != '\0') {
-            if (long_double || (conv == 'c' && bits != 32)) return none;
+            if (long_double || (conv == 'c' && bits != 32)) return sig_format{};
             r.kind = sig_format::INTEGER;
             r.bits = conv == 'c' ? 8 : bits;
             r.is_signed = conv == 'd' || conv == 'i';
@@ -70,14 +69,14 @@ sig_format sig_check_format(std::string_view f) {
                 r.text[n++] = 'l';
             }
         } else if (std::strchr("fFeEgGaA", conv) && conv != '\0') {
-            if (bits != 32 && !long_double) return none;
+            if (bits != 32 && !long_double) return sig_format{};
             r.kind = sig_format::FLOATING;
         } else {
-            return none;
+            return sig_format{};
         }
         r.text[n++] = conv;
     }
-    if (conversions != 1) return none;
+    if (conversions != 1) return sig_format{};
     r.text[n] = '\0';
     return r;
 }

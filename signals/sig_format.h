@@ -13,7 +13,7 @@ inline constexpr size_t SIG_FORMAT_MAX = 200;  // longest format accepted
 struct sig_format {
     enum kind_t { NONE, INTEGER, FLOATING } kind = NONE;
     // INTEGER: the conversion reads "ll" (or is "c"); FLOATING: a double.
-    char text[SIG_FORMAT_MAX * 2 + 8] = {};
+    char text[SIG_FORMAT_MAX * 2 + 8];  // valid when kind is not NONE
     int bits = 32;  // how much of the value the format's own length keeps
     bool is_signed = false;
     bool is_char = false;

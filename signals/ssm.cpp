@@ -5,8 +5,10 @@
 // archives switches the selection back and forth, and every switch
 // discards the loaded members. So that this does not cost a directory read
 // and an inflation per signal, the run keeps each archive's directory
-// listing and a pristine copy of each member image it has read; a load
-// then reformats a fresh copy, with the same results as reading anew.
+// listing, and the outcome of each member load: the result, and for a
+// usable member its image as the reformatting left it. Reformatting is
+// deterministic, so a load from what was kept gives the same results,
+// messages and report as reading the member anew.
 #include "signals/ssm.h"
 
 #include <sys/stat.h>
@@ -45,26 +47,31 @@ const char* ssmResultText(int code) {
 }
 
 static SsmDataBase db;
-static std::unordered_map<std::string_view, SsmFile*> file_index;  // first record of each name
 
 // ---- What the run keeps across selections ----
 
 struct ssm_entry {
     std::string name;
-    uint32_t size;
-    uint32_t size_bound;
+    uint32_t size;        // uncompressed, as the directory states it
+    uint32_t size_bound;  // the most the entry can inflate to
     unsigned long dir_offset;
     unsigned long dir_index;
 };
 struct ssm_listing {
-    int result;                      // 0, or -6 when names repeat
+    int result = 0;                  // 0, or -6 when names repeat
     std::vector<ssm_entry> entries;  // the first entry of each name, in directory order
-    uint64_t archive_size;
+    std::unordered_map<std::string_view, uint32_t> index;
 };
-static std::map<std::string, ssm_listing> listing_cache;
-static std::map<std::string, std::vector<uint8_t>, std::less<>> image_cache;  // archive path, NUL, member name
+// The outcome of loading a member: -5, -8, or 0 with the usable image.
+struct ssm_outcome {
+    int result;
+    std::vector<uint8_t> image;
+    std::vector<uint32_t> tables;
+};
+static std::map<std::string, std::shared_ptr<const ssm_listing>> listing_cache;
+static std::map<std::string, ssm_outcome> outcome_cache;  // archive path, NUL, member name
 
-static std::string image_key(const std::string& path, const std::string& name) {
+static std::string member_key(const std::string& path, std::string_view name) {
     std::string key = path;
     key.push_back('\0');
     key += name;
@@ -78,35 +85,35 @@ static void resetSsmDataBase() {
     db.archive_path.clear();
     db.memory_used = 0;
     db.file_count = 0;
-    db.first_file = db.last_file = nullptr;
-    file_index.clear();
+    db.first_file = db.last_file = db.files = nullptr;
+    db.listing.reset();
 }
 
 static SsmFile* ssmFindFile(const char* lmid) {
-    if (!lmid) return nullptr;
-    auto it = file_index.find(lmid);
-    return it == file_index.end() ? nullptr : it->second;
+    if (!lmid || !db.files) return nullptr;
+    auto it = db.listing->index.find(lmid);
+    return it == db.listing->index.end() ? nullptr : &db.files[it->second];
 }
 
-static SsmFile* ssmCreateFile(const ssm_entry& entry) {
-    void* block = db.alloc.alloc(sizeof(SsmFile));
-    if (!block) return nullptr;
-    SsmFile* f = new (block) SsmFile;
-    f->name = entry.name;
-    f->image_size = entry.size;
-    f->size_bound = entry.size_bound;
-    f->dir_offset = entry.dir_offset;
-    f->dir_index = entry.dir_index;
-    db.memory_used += sizeof(SsmFile);
-    return f;
-}
-
-static void ssmAppendFile(SsmFile* f) {
-    if (db.last_file) db.last_file->next = f;
-    else db.first_file = f;
-    db.last_file = f;
-    db.file_count++;
-    file_index.emplace(f->name, f);
+// One record per distinct name, in directory order, allocated together.
+static bool ssmCreateFiles() {
+    const std::vector<ssm_entry>& entries = db.listing->entries;
+    if (entries.empty()) return true;
+    void* block = db.alloc.alloc(entries.size() * sizeof(SsmFile));
+    if (!block) return false;
+    db.files = new (block) SsmFile[entries.size()];
+    db.memory_used += uint32_t(entries.size() * sizeof(SsmFile));
+    for (size_t i = 0; i < entries.size(); i++) {
+        SsmFile* f = &db.files[i];
+        f->name = entries[i].name;
+        f->image_size = entries[i].size;
+        f->entry = &entries[i];
+        if (db.last_file) db.last_file->next = f;
+        else db.first_file = f;
+        db.last_file = f;
+        db.file_count++;
+    }
+    return true;
 }
 
 static void ssmFreeFile(SsmFile* f) {
@@ -132,13 +139,8 @@ static void ssmUnloadFile(SsmFile* f) {
 }
 
 void deleteSsmDataBase() {
-    for (SsmFile* f = db.first_file; f;) {
-        SsmFile* next = f->next;
-        ssmUnloadFile(f);
-        f->~SsmFile();
-        db.alloc.release(f);
-        f = next;
-    }
+    for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
+    if (db.files) db.alloc.release(db.files);
     resetSsmDataBase();
 }
 
@@ -153,8 +155,7 @@ static int ssmReadDirectory(const char* path, ssm_listing* out) {
         return SSM_ARCHIVE_ERROR;
     }
     struct stat st;
-    out->archive_size = stat(path, &st) == 0 ? uint64_t(st.st_size) : 0;
-    out->result = SSM_OK;
+    const uint64_t archive_size = stat(path, &st) == 0 ? uint64_t(st.st_size) : 0;
     // A zip entry's name has at most 65535 bytes.
     std::vector<char> name(65536 + 1);
     std::unordered_map<std::string, bool> seen;
@@ -167,7 +168,7 @@ static int ssmReadDirectory(const char* path, ssm_listing* out) {
             return SSM_ARCHIVE_ERROR;
         }
         // Deflate makes at most 1032 bytes of one; a stored entry is as it is.
-        const uint64_t packed = std::min<uint64_t>(info.compressed_size, out->archive_size);
+        const uint64_t packed = std::min<uint64_t>(info.compressed_size, archive_size);
         const uint64_t bound = info.compression_method == 0 ? packed : packed * 1032 + 4096;
         ssm_entry entry{std::string(name.data()), uint32_t(info.uncompressed_size),
                         uint32_t(std::min<uint64_t>(bound, UINT32_MAX)), pos.pos_in_zip_directory,
@@ -182,6 +183,7 @@ static int ssmReadDirectory(const char* path, ssm_listing* out) {
         }
     }
     unzClose(zip);
+    for (uint32_t i = 0; i < out->entries.size(); i++) out->index.emplace(out->entries[i].name, i);
     return SSM_OK;
 }
 
@@ -194,41 +196,45 @@ int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
 
     auto cached = listing_cache.find(db.archive_path);
     if (cached == listing_cache.end()) {
-        ssm_listing listing;
-        if (int r = ssmReadDirectory(path, &listing); r != SSM_OK) return r;
+        auto listing = std::make_shared<ssm_listing>();
+        if (int r = ssmReadDirectory(path, listing.get()); r != SSM_OK) return r;
         cached = listing_cache.emplace(db.archive_path, std::move(listing)).first;
     }
-    for (const ssm_entry& entry : cached->second.entries) {
-        SsmFile* f = ssmCreateFile(entry);
-        if (!f) return SSM_NO_MEMORY;
-        ssmAppendFile(f);
+    db.listing = cached->second;
+    if (!ssmCreateFiles()) {
+        db.listing.reset();
+        return SSM_NO_MEMORY;
     }
     db.selected = 1;
-    return cached->second.result;
+    return db.listing->result;
 }
 
 // ---- Loading a member ----
 
+static uint8_t* ssmAllocImage(SsmFile* f) {
+    f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
+    if (f->image) db.memory_used += f->image_size;
+    return f->image;
+}
+
 // The member's bytes from the archive, into f->image.
-static int ssmInflate(SsmFile* f) {
+static int ssmReadFile(SsmFile* f) {
     unzFile zip = unzOpen(db.archive_path.c_str());
     if (!zip) return SSM_ARCHIVE_ERROR;
-    unz_file_pos pos{f->dir_offset, f->dir_index};
+    unz_file_pos pos{f->entry->dir_offset, f->entry->dir_index};
     if (unzGoToFilePos(zip, &pos) != UNZ_OK) {
         unzClose(zip);
         return SSM_ARCHIVE_ERROR;
     }
     // A size the entry cannot inflate to would never be read whole.
-    if (f->image_size > f->size_bound) {
+    if (f->image_size > f->entry->size_bound) {
         unzClose(zip);
         return SSM_SHORT_READ;
     }
-    f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
-    if (!f->image) {
+    if (!ssmAllocImage(f)) {
         unzClose(zip);
         return SSM_NO_MEMORY;
     }
-    db.memory_used += f->image_size;
     std::memset(f->image, 0, std::max<size_t>(f->image_size, 1));
     if (unzOpenCurrentFile(zip) != UNZ_OK) {
         unzClose(zip);
@@ -246,23 +252,6 @@ static int ssmInflate(SsmFile* f) {
     if (got < f->image_size) {
         ssmFreeFile(f);
         return SSM_SHORT_READ;
-    }
-    return SSM_OK;
-}
-
-// The member's image: a fresh copy of the one read before in this run, or
-// read from the archive now.
-static int ssmReadFile(SsmFile* f) {
-    auto cached = image_cache.find(image_key(db.archive_path, f->name));
-    if (cached != image_cache.end()) {
-        f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
-        if (!f->image) return SSM_NO_MEMORY;
-        db.memory_used += f->image_size;
-        std::memcpy(f->image, cached->second.data(), f->image_size);
-    } else {
-        if (int r = ssmInflate(f); r != SSM_OK) return r;
-        image_cache.emplace(image_key(db.archive_path, f->name),
-                            std::vector<uint8_t>(f->image, f->image + f->image_size));
     }
     f->loaded = 1;
     return SSM_OK;
@@ -300,36 +289,58 @@ std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size) {
     return tables;
 }
 
+// The table list of a loaded member.
+static int ssmCreateTableList(SsmFile* f, const std::vector<uint32_t>& found) {
+    f->table_count = uint32_t(found.size());
+    const uint32_t list_size = f->table_count * uint32_t(sizeof(uint32_t));
+    f->tables = static_cast<uint32_t*>(db.alloc.alloc(list_size));
+    if (!f->tables) return SSM_NO_MEMORY;
+    db.memory_used += list_size;
+    std::copy(found.begin(), found.end(), f->tables);
+    return SSM_OK;
+}
+
+// Reads the member and makes its tables usable.
+static int ssmLoadFromArchive(SsmFile* f) {
+    if (int r = ssmReadFile(f); r != SSM_OK) return r;
+    const std::vector<uint32_t> found = ssmFindTables(f->image, f->image_size);
+    f->table_count = uint32_t(found.size());
+    if (found.empty()) return SSM_NO_TABLES;
+    if (int r = ssmCreateTableList(f, found); r != SSM_OK) return r;
+    const std::span<uint8_t> image(f->image, f->image_size);
+    for (uint32_t t = 0; t < f->table_count; t++)
+        if (reformat_magic_table({image, f->tables[t]}, 0, 0, f->image_size - 1) != 0) return SSM_CORRUPT_TABLE;
+    return SSM_OK;
+}
+
+// The member as it was made usable before in this run.
+static int ssmLoadKept(SsmFile* f, const ssm_outcome& kept) {
+    if (kept.result != SSM_OK) return kept.result;
+    if (!ssmAllocImage(f)) return SSM_NO_MEMORY;
+    f->loaded = 1;
+    std::copy(kept.image.begin(), kept.image.end(), f->image);
+    return ssmCreateTableList(f, kept.tables);
+}
+
 int ssmLoad(const char* lmid) {
     if (!db.selected) return SSM_NOT_SELECTED;
     SsmFile* f = ssmFindFile(lmid);
     if (!f) return SSM_NO_SUCH_FILE;
     if (f->loaded) return SSM_OK;
-    if (int r = ssmReadFile(f); r != SSM_OK) return r;
-
-    const std::vector<uint32_t> found = ssmFindTables(f->image, f->image_size);
-    f->table_count = uint32_t(found.size());
-    if (found.empty()) {
-        ssmUnloadFile(f);
-        return SSM_NO_TABLES;
-    }
-    const uint32_t list_size = f->table_count * uint32_t(sizeof(uint32_t));
-    f->tables = static_cast<uint32_t*>(db.alloc.alloc(list_size));
-    if (!f->tables) {
-        ssmUnloadFile(f);
-        return SSM_NO_MEMORY;
-    }
-    db.memory_used += list_size;
-    std::copy(found.begin(), found.end(), f->tables);
-
-    const std::span<uint8_t> image(f->image, f->image_size);
-    for (uint32_t t = 0; t < f->table_count; t++) {
-        if (reformat_magic_table({image, f->tables[t]}, 0, 0, f->image_size - 1) != 0) {
-            ssmUnloadFile(f);
-            return SSM_CORRUPT_TABLE;
+    const std::string key = member_key(db.archive_path, f->name);
+    auto kept = outcome_cache.find(key);
+    const int r = kept != outcome_cache.end() ? ssmLoadKept(f, kept->second) : ssmLoadFromArchive(f);
+    // What depends on the member alone is kept; memory and access failures are not.
+    if (kept == outcome_cache.end() && (r == SSM_OK || r == SSM_CORRUPT_TABLE || r == SSM_NO_TABLES)) {
+        ssm_outcome outcome{r, {}, {}};
+        if (r == SSM_OK) {
+            outcome.image.assign(f->image, f->image + f->image_size);
+            outcome.tables.assign(f->tables, f->tables + f->table_count);
         }
+        outcome_cache.emplace(key, std::move(outcome));
     }
-    return SSM_OK;
+    if (r != SSM_OK) ssmUnloadFile(f);
+    return r;
 }
 
 int ssmUnload(const char* lmid) {
@@ -343,7 +354,7 @@ int ssmUnload(const char* lmid) {
 // Also gives back what the run kept to read again: this is called when
 // memory ran out, and at the end of the report.
 int ssmUnloadAll() {
-    image_cache.clear();
+    outcome_cache.clear();
     listing_cache.clear();
     if (!db.selected) return SSM_NOT_SELECTED;
     for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
@@ -376,7 +387,7 @@ int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char) 
     return names;
 }
 
-static void info_text(char* out, const std::string& text) {
+static void info_text(char* out, std::string_view text) {
     const size_t n = std::min<size_t>(text.size(), 255);
     std::memcpy(out, text.data(), n);
     out[n] = '\0';

@@ -37,19 +37,19 @@ struct SsmAllocators {
     void (*release)(void* block);
 };
 
+struct ssm_entry;
+struct ssm_listing;
+
 // One archive member.
 struct SsmFile {
     SsmFile* next = nullptr;
     int32_t loaded = 0;
-    std::string name;
+    std::string_view name;  // as the archive's directory gives it
     uint8_t* image = nullptr;
     uint32_t image_size = 0;  // as the zip directory states it
     uint32_t table_count = 0;
     uint32_t* tables = nullptr;  // header positions in the image
-    // Where its directory entry stands, to go back to it.
-    unsigned long dir_offset = 0;
-    unsigned long dir_index = 0;
-    uint32_t size_bound = 0;  // the most the entry can inflate to
+    const ssm_entry* entry = nullptr;  // where it stands in the directory
 };
 
 struct SsmDataBase {
@@ -60,6 +60,9 @@ struct SsmDataBase {
     SsmFile* last_file = nullptr;
     SsmFile* first_file = nullptr;
     SsmAllocators alloc = {nullptr, nullptr};
+    // The records, in one block, and the directory listing they name.
+    SsmFile* files = nullptr;
+    std::shared_ptr<const ssm_listing> listing;
 };
 
 int ssmSelectArchive(const char* path, const SsmAllocators* allocators);

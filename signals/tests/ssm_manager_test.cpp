@@ -144,7 +144,7 @@ TEST(SignalArchiveManager, ResultCodes) {
     EXPECT_EQ(ssmUnload("LQZ_X"), -4);
 
     // Memory: the image is refused, then the records themselves.
-    refuse_above = 200;
+    refuse_above = 5 * sizeof(SsmFile);
     ASSERT_EQ(ssmSelectArchive(zip.c_str(), &picky), 0);
     EXPECT_EQ(ssmLoad("LQZ_A"), -9);
     refuse_above = 0;
