@@ -37,13 +37,14 @@ static std::vector<uint8_t> signal_for(sig_table table, uint32_t signo, const ui
 static void print_all(sig_table table, const uint8_t* data, size_t n) {
     uint32_t cursor = SIG_NULL, size = 0, var_size = 0, signo = 0;
     std::string_view name;
-    for (int hits = 0; hits < 8 && list_sig_by_name("*", table, &cursor, &name, &size, &var_size, &signo); hits++) {
-        for (size_t length : {size_t(size), size_t(size / 2), size_t(size) + 7, size_t(size) * 3 + 1}) {
+    for (int hits = 0; hits < 4 && list_sig_by_name("*", table, &cursor, &name, &size, &var_size, &signo); hits++) {
+        for (size_t length : {size_t(size), size_t(size / 2), size_t(size) * 2 + 7}) {
             if (length == 0 || length > 4096) continue;
             const std::vector<uint8_t> s = signal_for(table, signo, data, n, length);
             ssm_print_signal(table, s.data(), uint32_t(s.size()), 0, count_char, nullptr, nullptr, 1);
+            if (length != size) continue;
             ssm_print_signal(table, s.data(), uint32_t(s.size()), 1, count_char, nullptr, nullptr, 1);
-            ose_print_signal(table, s.data(), uint32_t(s.size()), int(length & 1), count_char, nullptr, nullptr, 1);
+            ose_print_signal(table, s.data(), uint32_t(s.size()), int(hits & 1), count_char, nullptr, nullptr, 1);
         }
         ssm_print_signal_name(table, signo, count_char);
     }

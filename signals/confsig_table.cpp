@@ -158,7 +158,8 @@ static std::string_view confsig_member_name(const sig_walk& w, const vardesc& r)
     return text;
 }
 
-static void confsig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count) {
+// member_end: where the member's own bytes (an array's row) end.
+static void confsig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
     sig_value v{};
     v.name = w.name;
     v.address = at;
@@ -169,6 +170,7 @@ static void confsig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint3
     v.swap = w.swap;
     v.strings = w.strings;
     v.end = w.end;
+    v.text_end = member_end;
     if (r.type == SIG_TYPE_ENUM && r.link != SIG_NULL) {
         const sig_pool enums = sig_pool_of(w.table, POOL_ENUM);
         if (confsig_in_pool(w.table, POOL_ENUM, r.link, 0) && r.link < uint64_t(enums.at) + enums.size)
@@ -201,6 +203,7 @@ static void confsig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* dat
     if (variable == 1) n = (left + step - 1) / step;
     else if (left > n * step) left = std::max<int64_t>(n * step, 0);
     if (!w.enter()) return;
+    const uint8_t* row_end = data + left;
     const bool last_level = level + 1 == v.dimensions;
     const bool aggregate = v.type == SIG_TYPE_STRUCT || v.type == SIG_TYPE_UNION;
     for (int64_t i = 0; i < n && w.visit(); i++) {
@@ -214,11 +217,11 @@ static void confsig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* dat
             confsig_walk_array(w, v, data, part, behind, 0, level + 1);
         } else if (w.compress == 1) {
             sig_name_index(w.name, position, "[0-%lld]", n - 1);
-            if (v.size <= left) confsig_emit(w, v, data, uint8_t(left / v.size));
+            if (v.size <= left) confsig_emit(w, v, data, uint8_t(left / v.size), row_end);
             break;
         } else {
             sig_name_index(w.name, position, "[%lld]", i);
-            if (v.size <= left) confsig_emit(w, v, data, 1);
+            if (v.size <= left) confsig_emit(w, v, data, 1, row_end);
         }
         if (left <= step) break;
         data += step;
@@ -238,7 +241,7 @@ static void confsig_walk_members(sig_walk& w, uint32_t first, const uint8_t* dat
         } else {
             const uint32_t end = sig_name_put(w.name, position, confsig_member_name(w, r));
             if (r.dimensions == 0) {
-                if (uint64_t(r.offset) + r.size <= size) confsig_emit(w, r, data + r.offset, 1);
+                if (uint64_t(r.offset) + r.size <= size) confsig_emit(w, r, data + r.offset, 1, data + r.offset + r.size);
             } else if (r.offset < size) {
                 confsig_walk_array(w, r, data + r.offset, size - r.offset, end, last_variable, 0);
             }
@@ -280,6 +283,7 @@ uint32_t confsig_traverse_sig(sig_table table, uint32_t sigdesc_at, std::span<co
     sig_walk w{table, confsig_name_buffer, compress, endian == 1, context, callback,
                signal.data() + signal.size(), confsig_names(table)};
     w.name[0] = '\0';
+    w.budget = sig_walk_budget(size);
     return sig_traverse_top(size, top.size, last_is_array, [&](uint32_t bytes, int variable) {
         confsig_walk_struct(w, top, signal.data(), bytes, 0, variable, 0);
     });

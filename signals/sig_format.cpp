@@ -84,6 +84,7 @@ sig_format sig_check_format(std::string_view f) {
 // value, value_bits wide, extended to 64 bits by its sign or by zeros.
 static uint64_t widen(uint64_t value, int bits, bool is_signed) {
     if (bits >= 64) return value;
+    if (bits <= 0) return 0;  // an element of size 0 holds nothing
     value &= (uint64_t(1) << bits) - 1;
     const uint64_t sign = uint64_t(1) << (bits - 1);
     return is_signed ? (value ^ sign) - sign : value;

@@ -104,8 +104,12 @@ static int value_bits(unsigned size) { return size >= 8 ? 64 : int(size) * 8; }
 static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format& f, uint32_t count) {
     const unsigned size = v.size;
     if (v.format == "%s") {
+        // A text ends at its zero, at the end of its member, or where the
+        // print buffer would be full.
         ctx->put_char(' ');
-        for (const uint8_t* p = v.address; p < v.end && *p; p++) ctx->put_char(*p);
+        const uint8_t* end = std::min(v.text_end ? v.text_end : v.end, v.end);
+        end = std::min(end, v.address + std::min<size_t>(size_t(v.end - v.address), SSM_PRINT_BUFFER - 1));
+        for (const uint8_t* p = v.address; p < end && *p; p++) ctx->put_char(*p);
         return;
     }
     auto element = [&](uint32_t i) { return uint8_t(read_value(v.address + size_t(i) * size, size, v.swap)); };
@@ -283,6 +287,7 @@ static void ose_print_rest(SsmPrintContext* ctx, const uint8_t* rest, uint32_t s
     v.format = "%02X";
     v.type = 2;
     v.end = rest + size;
+    v.text_end = v.end;
     ose_print_field(v, ctx);
 }
 

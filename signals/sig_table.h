@@ -147,6 +147,7 @@ struct sig_value {
     int swap;                     // values are in the other byte order
     sig_names strings;            // where the entries' names point
     const uint8_t* end;           // end of the signal: no value is read behind it
+    const uint8_t* text_end;      // end of the member's bytes: where a text stops at the latest
 };
 using sig_callback = void (*)(const sig_value& value, SsmPrintContext* context);
 

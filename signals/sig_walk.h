@@ -8,9 +8,13 @@
 
 #include "signals/sig_table.h"
 
-// Records visited per signal. A real signal needs one visit per value
-// printed, and a few per structure.
+// Records visited per signal. A real signal needs about one visit per value
+// printed and a few per structure: far fewer than this, which still bounds
+// what a lying table can make us print.
 inline constexpr uint32_t SIG_WALK_BUDGET = 1u << 20;
+inline uint32_t sig_walk_budget(uint32_t signal_size) {
+    return uint32_t(std::min<uint64_t>(SIG_WALK_BUDGET, 65536 + 16 * uint64_t(signal_size)));
+}
 // Structures and array levels inside each other.
 inline constexpr int SIG_WALK_DEPTH = 64;
 

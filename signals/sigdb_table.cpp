@@ -178,7 +178,8 @@ static std::string_view sigdb_member_name(const sig_walk& w, const vardesc& r) {
     return text;
 }
 
-static void sigdb_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count) {
+// member_end: where the member's own bytes (an array's row) end.
+static void sigdb_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
     sig_value v{};
     v.name = w.name;
     v.address = at;
@@ -189,6 +190,7 @@ static void sigdb_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_
     v.swap = w.swap;
     v.strings = w.strings;
     v.end = w.end;
+    v.text_end = member_end;
     const sig_pool enums = sig_pool_of(w.table, POOL_ENUM);
     if (r.type == SIG_TYPE_ENUM && enums.size != 0) {
         const uint64_t off = uint64_t(r.link) * SIG_ENUM_SIZE;
@@ -228,6 +230,7 @@ static uint32_t sigdb_walk_array(sig_walk& w, const vardesc& v, const uint8_t* d
     if (variable == 1) n = (left + step - 1) / step;
     else if (left > n * step) left = std::max<int64_t>(n * step, 0);
     if (!w.enter()) return v.at;
+    const uint8_t* row_end = data + left;
     const bool last_level = level + 1 == v.dimensions;
     const bool aggregate = v.type == SIG_TYPE_STRUCT || v.type == SIG_TYPE_UNION;
     uint32_t result = v.at;
@@ -242,11 +245,11 @@ static uint32_t sigdb_walk_array(sig_walk& w, const vardesc& v, const uint8_t* d
             sigdb_walk_array(w, v, data, part, behind, 0, level + 1);
         } else if (w.compress == 1) {
             sig_name_index(w.name, position, "[0-%lld]", n - 1);
-            if (v.size <= left) sigdb_emit(w, v, data, uint32_t(left / v.size));
+            if (v.size <= left) sigdb_emit(w, v, data, uint32_t(left / v.size), row_end);
             break;
         } else {
             sig_name_index(w.name, position, "[%lld]", i);
-            if (v.size <= left) sigdb_emit(w, v, data, 1);
+            if (v.size <= left) sigdb_emit(w, v, data, 1, row_end);
         }
         if (left <= step) break;
         data += step;
@@ -294,7 +297,7 @@ static uint32_t sigdb_walk_members(sig_walk& w, uint32_t first, const uint8_t* d
         } else {
             const uint32_t end = sig_name_put(w.name, position, sigdb_member_name(w, r));
             if (r.dimensions == 0) {
-                if (uint64_t(r.offset) + r.size <= size) sigdb_emit(w, r, data + r.offset, 1);
+                if (uint64_t(r.offset) + r.size <= size) sigdb_emit(w, r, data + r.offset, 1, data + r.offset + r.size);
             } else if (r.offset < size) {
                 sigdb_walk_array(w, r, data + r.offset, size - r.offset, end, last_variable, 0);
             }
@@ -326,6 +329,7 @@ uint32_t sigdb_traverse_sig(sig_table table, uint32_t sigdesc_at, std::span<cons
     sig_walk w{table, sigdb_name_buffer, compress, endian == 1, context, callback,
                signal.data() + signal.size(), sigdb_names(table)};
     w.name[0] = '\0';
+    w.budget = sig_walk_budget(size);
     return sig_traverse_top(size, top.size, last_is_array, [&](uint32_t bytes, int variable) {
         sigdb_walk_struct(w, top, signal.data(), bytes, 0, variable, 0);
     });

@@ -175,6 +175,22 @@ TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
     EXPECT_EQ(sink, "Signal <SIGNAL_SYMBOL_NAME>:\n\n00000000: (unsigned int) = 0x31\n00000004: (unknown type) = 0xabcd ...");
 }
 
+// A text ends at its zero, at its member's end, or after 1023 characters.
+TEST(SignalTable, TextsAreBounded) {
+    built b = build(table_text("t", "big", "signal T 0x41 {\n uint sig_no\n char s[1500] text\n uint after\n}\n"));
+    ASSERT_EQ(b.reformat(), 0);
+    std::vector<uint8_t> signal(4 + 1500 + 4, 'a');
+    signal[0] = signal[1] = signal[2] = 0;
+    signal[3] = 0x41;
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 1, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(sink, "Signal T:\n\n00000000: sig_no = 0x41\n00000004: s[0-1499] = " + std::string(1023, 'a') +
+                        "\n000005E0: after = 0x61616161");
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_NE(sink.find("\n000005DE: s[1498] = aa\n000005DF: s[1499] = a\n"), std::string::npos);
+}
+
 // A table whose structure contains itself, through its link.
 TEST(SignalTable, LinkCycleEnds) {
     built b = build(table_text("t", "big", "signal S 0x31 {\n uint sig_no\n uint pad\n struct s @0 {\n  uint x\n }\n}\n"));
