@@ -103,14 +103,10 @@ static void confsig_hit(sig_table table, const sigdesc& sd, std::string_view* na
     if (name) *name = sig_name_at(confsig_names(table), sd.name);
     if (!sig_pool_of(table, POOL_VARDESC).present()) return;
     vardesc top, last;
-    uint32_t declared = 0, element = 0, budget = SIG_WALK_BUDGET;
-    if (confsig_vardesc_at(table, sd.vardesc, &top)) {
-        declared = top.size;
-        if (top.link != SIG_NULL && confsig_last_member(table, top.link, &last, &budget) && last.dimensions != 0)
-            element = last.size;
-    }
-    if (size) *size = declared;
-    if (var_size) *var_size = element;
+    uint32_t budget = SIG_WALK_BUDGET;
+    const bool has_top = confsig_vardesc_at(table, sd.vardesc, &top);
+    const bool has_last = has_top && top.link != SIG_NULL && confsig_last_member(table, top.link, &last, &budget);
+    sig_hit_sizes(has_top ? &top : nullptr, has_last ? &last : nullptr, size, var_size);
 }
 
 int confsig_list_sig_by_number(uint32_t signo, sig_table table, uint32_t* cursor, std::string_view* name,
@@ -152,34 +148,18 @@ int confsig_list_sig_by_name(const char* pattern, sig_table table, uint32_t* cur
 
 static char confsig_name_buffer[SIG_NAME_SIZE];
 
-static std::string_view confsig_member_name(const sig_walk& w, const vardesc& r) {
-    std::string_view text = sig_name_at(w.strings, r.name);
-    if (!text.data()) get_type_name(r, &text);
-    return text;
-}
-
-// member_end: where the member's own bytes (an array's row) end.
-static void confsig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
-    sig_value v{};
-    v.name = w.name;
-    v.address = at;
-    v.size = uint8_t(r.size);
-    v.count = uint16_t(count);
-    v.type = uint8_t(r.type);
-    v.flags = uint16_t(r.flags & (VAR_PASS | VAR_HIDDEN));
-    v.swap = w.swap;
-    v.strings = w.strings;
-    v.end = w.end;
-    v.text_end = member_end;
+static void confsig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count,
+                         const uint8_t* member_end) {
+    std::span<const uint8_t> entries;
+    std::string_view format;
     if (r.type == SIG_TYPE_ENUM && r.link != SIG_NULL) {
         const sig_pool enums = sig_pool_of(w.table, POOL_ENUM);
         if (confsig_in_pool(w.table, POOL_ENUM, r.link, 0) && r.link < uint64_t(enums.at) + enums.size)
-            v.enum_entries = w.table.image.subspan(r.link, enums.at + enums.size - r.link);
+            entries = w.table.image.subspan(r.link, enums.at + enums.size - r.link);
     } else if (r.link != SIG_NULL) {
-        v.format = sig_name_at(w.strings, r.link);
+        format = sig_name_at(w.strings, r.link);
     }
-    if (r.flags & VAR_TEXT) v.format = "%s";
-    w.callback(v, w.context);
+    sig_emit(w, r, at, count, member_end, entries, format);
 }
 
 static bool confsig_dims(const sig_walk& w, const vardesc& v, int16_t* dims) {
@@ -192,42 +172,22 @@ static bool confsig_dims(const sig_walk& w, const vardesc& v, int16_t* dims) {
 static void confsig_walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
                                 uint32_t position, int variable, int element);
 
+struct confsig_family {
+    static constexpr uint32_t count_mask = 0xFF;
+    static bool dims(const sig_walk& w, const vardesc& v, int16_t* d) { return confsig_dims(w, v, d); }
+    static uint32_t walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size, uint32_t position,
+                                int variable, int element) {
+        confsig_walk_struct(w, v, data, size, position, variable, element);
+        return v.at;
+    }
+    static void emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
+        confsig_emit(w, r, at, count, member_end);
+    }
+};
+
 static void confsig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
                                uint32_t position, int variable, uint32_t level) {
-    int16_t dims[SIG_WALK_DEPTH];
-    if (level >= v.dimensions || !confsig_dims(w, v, dims)) return;
-    const int64_t step = sig_array_step(v.size, dims, v.dimensions, level);
-    if (step <= 0) return;
-    int64_t n = dims[level];
-    int64_t left = size;
-    if (variable == 1) n = (left + step - 1) / step;
-    else if (left > n * step) left = std::max<int64_t>(n * step, 0);
-    if (!w.enter()) return;
-    const uint8_t* row_end = data + left;
-    const bool last_level = level + 1 == v.dimensions;
-    const bool aggregate = v.type == SIG_TYPE_STRUCT || v.type == SIG_TYPE_UNION;
-    for (int64_t i = 0; i < n && w.visit(); i++) {
-        const uint32_t part = uint32_t(std::min<int64_t>(left, step));
-        if (aggregate) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
-            if (!last_level) confsig_walk_array(w, v, data, part, behind, 0, level + 1);
-            else if (left != 0) confsig_walk_struct(w, v, data, uint32_t(left), behind, 0, 1);
-        } else if (!last_level) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
-            confsig_walk_array(w, v, data, part, behind, 0, level + 1);
-        } else if (w.compress == 1) {
-            sig_name_index(w.name, position, "[0-%lld]", n - 1);
-            if (v.size <= left) confsig_emit(w, v, data, uint8_t(left / v.size), row_end);
-            break;
-        } else {
-            sig_name_index(w.name, position, "[%lld]", i);
-            if (v.size <= left) confsig_emit(w, v, data, 1, row_end);
-        }
-        if (left <= step) break;
-        data += step;
-        left -= step;
-    }
-    w.leave();
+    sig_walk_array<confsig_family>(w, v, data, size, position, variable, level);
 }
 
 static void confsig_walk_members(sig_walk& w, uint32_t first, const uint8_t* data, uint32_t size,
@@ -239,7 +199,7 @@ static void confsig_walk_members(sig_walk& w, uint32_t first, const uint8_t* dat
         if (r.type == SIG_TYPE_STRUCT || r.type == SIG_TYPE_UNION) {
             if (r.offset < size) confsig_walk_struct(w, r, data + r.offset, size - r.offset, position, 0, 0);
         } else {
-            const uint32_t end = sig_name_put(w.name, position, confsig_member_name(w, r));
+            const uint32_t end = sig_name_put(w.name, position, sig_member_name(w, r));
             if (r.dimensions == 0) {
                 if (uint64_t(r.offset) + r.size <= size) confsig_emit(w, r, data + r.offset, 1, data + r.offset + r.size);
             } else if (r.offset < size) {
@@ -256,7 +216,7 @@ static void confsig_walk_members(sig_walk& w, uint32_t first, const uint8_t* dat
 static void confsig_walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
                                 uint32_t position, int variable, int element) {
     // Every named structure is part of the path, the signal's own first.
-    if (element != 1 && v.name != SIG_NULL) position = sig_name_put(w.name, position, confsig_member_name(w, v));
+    if (element != 1 && v.name != SIG_NULL) position = sig_name_put(w.name, position, sig_member_name(w, v));
     if (v.dimensions != 0 && element == 0) {
         confsig_walk_array(w, v, data, size, position, variable, 0);
         return;

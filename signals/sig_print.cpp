@@ -236,28 +236,43 @@ static char ose_buffer[SSM_PRINT_BUFFER];
 
 static bool table_given(sig_table table) { return table.at != SIG_NULL && !table.image.empty(); }
 
+// The signal's record in the table, by the number at its start.
+struct sig_hit {
+    uint32_t sigdesc = SIG_NULL;
+    std::string_view name;
+    bool truncated = false;  // shorter than declared
+};
+static bool find_signal(sig_table table, std::span<const uint8_t> signal, sig_hit* hit) {
+    uint32_t declared = 0, var_size = 0;
+    if (!table_given(table) ||
+        !list_sig_by_number(get_sig_no(table, signal), table, &hit->sigdesc, &hit->name, &declared, &var_size))
+        return false;
+    hit->truncated = signal.size() < declared;
+    return true;
+}
+
+static void put_name(SsmPrintContext* ctx, const char* format, std::string_view name, const char* none) {
+    if (name.data()) put_printf(ctx, format, int(std::min<size_t>(name.size(), 1000)), name.data());
+    else ssmPutString(none, ctx->put_char);
+}
+
 int ssm_print_signal(sig_table table, const uint8_t* signal, uint32_t size, int compress, ssm_putc_fn put_char,
                      const char* first_separator, const char* separator, int hex_on_failure) {
     SsmPrintContext ctx{put_char, 1, ssm_buffer, first_separator ? first_separator : ":\n\n",
                         separator ? separator : "\n"};
     if (!signal || size == 0) return 1;
     const std::span<const uint8_t> bytes(signal, size);
-    if (table_given(table)) {
-        uint32_t cursor = SIG_NULL, declared = 0, var_size = 0;
-        std::string_view name;
-        if (list_sig_by_number(get_sig_no(table, bytes), table, &cursor, &name, &declared, &var_size)) {
-            const bool truncated = size < declared;
-            if (name.data()) put_printf(&ctx, "Signal %.*s", int(std::min<size_t>(name.size(), 1000)), name.data());
-            else ssmPutString("Signal <SIGNAL_SYMBOL_NAME>", put_char);
-            const uint32_t left = traverse_sig(table, cursor, bytes, compress, &ctx, ssm_print_field);
-            if (left != 0) {
-                const uint32_t used = size - left;
-                ssmPutString("\n<excess bytes>\n", put_char);
-                ssm_print_hex_dump(signal + used, left, used, put_char);
-            }
-            if (truncated) ssmPutString(" ...", put_char);
-            return 0;
+    sig_hit hit;
+    if (find_signal(table, bytes, &hit)) {
+        put_name(&ctx, "Signal %.*s", hit.name, "Signal <SIGNAL_SYMBOL_NAME>");
+        const uint32_t left = traverse_sig(table, hit.sigdesc, bytes, compress, &ctx, ssm_print_field);
+        if (left != 0) {
+            const uint32_t used = size - left;
+            ssmPutString("\n<excess bytes>\n", put_char);
+            ssm_print_hex_dump(signal + used, left, used, put_char);
         }
+        if (hit.truncated) ssmPutString(" ...", put_char);
+        return 0;
     }
     if (hex_on_failure) ssm_print_hex_dump(signal, size, 0, put_char);
     return 1;
@@ -270,8 +285,7 @@ int ssm_print_signal_name(sig_table table, uint32_t signo, ssm_putc_fn put_char)
     std::string_view name;
     int hits = 0;
     while (list_sig_by_number(signo, table, &cursor, &name, nullptr, nullptr)) {
-        if (name.data()) put_printf(&ctx, "%.*s ", int(std::min<size_t>(name.size(), 1000)), name.data());
-        else ssmPutString("<SIGNAL> ", put_char);
+        put_name(&ctx, "%.*s ", name, "<SIGNAL> ");
         hits++;
     }
     return hits;
@@ -297,23 +311,16 @@ int ose_print_signal(sig_table table, const uint8_t* signal, uint32_t size, int 
                         separator ? separator : ", "};
     if (!signal || size == 0) return 1;
     const std::span<const uint8_t> bytes(signal, size);
-    int width = 0;
-    uint32_t signo = 0;
-    if (table_given(table)) {
-        width = signo_size(table);
-        signo = get_sig_no(table, bytes);
-        uint32_t cursor = SIG_NULL, declared = 0, var_size = 0;
-        std::string_view name;
-        if (list_sig_by_number(signo, table, &cursor, &name, &declared, &var_size)) {
-            const bool truncated = size < declared;
-            if (name.data()) put_printf(&ctx, "%.*s", int(std::min<size_t>(name.size(), 1000)), name.data());
-            else ssmPutString("<SIGNAL>", put_char);
-            const uint32_t left = traverse_sig(table, cursor, bytes, compress, &ctx, ose_print_field);
-            if (left != 0 && hex_on_failure) ose_print_rest(&ctx, signal + size - left, left);
-            if (truncated) ssmPutString(" ...", put_char);
-            return 0;
-        }
+    sig_hit hit;
+    if (find_signal(table, bytes, &hit)) {
+        put_name(&ctx, "%.*s", hit.name, "<SIGNAL>");
+        const uint32_t left = traverse_sig(table, hit.sigdesc, bytes, compress, &ctx, ose_print_field);
+        if (left != 0 && hex_on_failure) ose_print_rest(&ctx, signal + size - left, left);
+        if (hit.truncated) ssmPutString(" ...", put_char);
+        return 0;
     }
+    const int width = table_given(table) ? signo_size(table) : 0;
+    const uint32_t signo = table_given(table) ? get_sig_no(table, bytes) : 0;
     if (!hex_on_failure) return 1;
     const uint8_t* rest = signal;
     uint32_t left = size;

@@ -49,7 +49,10 @@ int sigdb_find_bytes(std::span<const uint8_t> img, std::string_view pattern, uin
     return 0;
 }
 
-// The text behind each pool: its fixed part, the table's name, ")".
+// The text behind each pool: its fixed part, the table's name, ")". The
+// searches sigdb_find_sigdesc_tab, sigdb_find_vardesc_tab,
+// sigdb_find_enum_pool, sigdb_find_string_pool and sigdb_find_index_pool
+// are sigdb_find_pool with these texts.
 static const char* const pool_texts[POOL_COUNT] = {
     "This is a sigdesc structure (ose_sigdesc_tab", "This is a sigdesc structure (ose_vardesc_tab",
     "This is a sigdesc structure (ose_enum_pool", "This is a sigdesc structure (ose_string_pool",
@@ -63,32 +66,6 @@ static int sigdb_find_pool(sig_pool_kind kind, std::span<const uint8_t> img, std
     text.push_back(')');
     return sigdb_find_bytes(img, text, low, high, found);
 }
-static int sigdb_find_sigdesc_tab(std::span<const uint8_t> img, std::string_view name, uint32_t low, uint32_t high,
-                           uint32_t* found) {
-    return sigdb_find_pool(POOL_SIGDESC, img, name, low, high, found);
-}
-static int sigdb_find_vardesc_tab(std::span<const uint8_t> img, std::string_view name, uint32_t low, uint32_t high,
-                           uint32_t* found) {
-    return sigdb_find_pool(POOL_VARDESC, img, name, low, high, found);
-}
-static int sigdb_find_enum_pool(std::span<const uint8_t> img, std::string_view name, uint32_t low, uint32_t high,
-                         uint32_t* found) {
-    return sigdb_find_pool(POOL_ENUM, img, name, low, high, found);
-}
-static int sigdb_find_string_pool(std::span<const uint8_t> img, std::string_view name, uint32_t low, uint32_t high,
-                           uint32_t* found) {
-    return sigdb_find_pool(POOL_STRING, img, name, low, high, found);
-}
-static int sigdb_find_index_pool(std::span<const uint8_t> img, std::string_view name, uint32_t low, uint32_t high,
-                          uint32_t* found) {
-    return sigdb_find_pool(POOL_INDEX, img, name, low, high, found);
-}
-
-using sigdb_find_fn = int (*)(std::span<const uint8_t>, std::string_view, uint32_t, uint32_t, uint32_t*);
-static const sigdb_find_fn sigdb_find_pools[POOL_COUNT] = {
-    sigdb_find_sigdesc_tab, sigdb_find_vardesc_tab, sigdb_find_enum_pool, sigdb_find_string_pool,
-    sigdb_find_index_pool,
-};
 
 static uint64_t pool_word(sig_table t, int kind) { return uint64_t(t.at) + SYM_POOLS + 4 * kind; }
 static uint64_t size_word(sig_table t, int kind) { return uint64_t(t.at) + SYM_SIZES + 4 * kind; }
@@ -177,7 +154,7 @@ int sigdb_reformat_magic_table(sig_table t, uint32_t, uint32_t low, uint32_t hig
         const uint32_t size = sig_u32(t.image, size_word(t, k));
         uint32_t position = SIG_NULL, hit = 0;
         if (size != 0) {
-            last_search = sigdb_find_pools[k](t.image, name, low, high, &hit);
+            last_search = sigdb_find_pool(sig_pool_kind(k), t.image, name, low, high, &hit);
             if (last_search == 0 && hit >= size) position = hit - size;
         }
         sig_put32(t.image, pool_word(t, k), position);

@@ -46,6 +46,13 @@ struct sig_walk {
     void leave() { depth--; }
 };
 
+// What a lookup tells of a signal besides its name: its structure's size,
+// and the element size of a last member that is an array (0 for none).
+inline void sig_hit_sizes(const vardesc* top, const vardesc* last, uint32_t* size, uint32_t* var_size) {
+    if (size) *size = top ? top->size : 0;
+    if (var_size) *var_size = top && last && last->dimensions != 0 ? last->size : 0;
+}
+
 // Writes text at pos with its terminator and returns the position behind
 // it. A path that would not fit is cut.
 inline uint32_t sig_name_put(char* name, uint32_t pos, std::string_view text) {
@@ -77,6 +84,83 @@ inline int64_t sig_array_step(uint32_t element_size, const int16_t* dims, uint32
         step = std::min<int64_t>(step * dims[k], int64_t(1) << 40);
     }
     return step;
+}
+
+// A member's name in a path: from the table's names, or its type's when
+// the table has none for it.
+inline std::string_view sig_member_name(const sig_walk& w, const vardesc& r) {
+    std::string_view text = sig_name_at(w.strings, r.name);
+    if (!text.data()) get_type_name(r, &text);
+    return text;
+}
+
+// One callback, for count elements at at. member_end is where the
+// member's own bytes (an array's row) end; the family has found the
+// enumeration or the format that the record names.
+inline void sig_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end,
+                     std::span<const uint8_t> enum_entries, std::string_view format) {
+    sig_value v{};
+    v.name = w.name;
+    v.address = at;
+    v.size = uint8_t(r.size);
+    v.count = uint16_t(count);
+    v.format = (r.flags & VAR_TEXT) ? std::string_view("%s") : format;
+    v.type = uint8_t(r.type);
+    v.enum_entries = enum_entries;
+    v.flags = uint16_t(r.flags & (VAR_PASS | VAR_HIDDEN));
+    v.swap = w.swap;
+    v.strings = w.strings;
+    v.end = w.end;
+    v.text_end = member_end;
+    w.callback(v, w.context);
+}
+
+// The walk over an array, alike in both families. Family gives
+// dims(w, v, dims), walk_struct(w, v, data, size, position, variable,
+// element) with the record it ends on, emit(w, v, at, count, member_end),
+// and count_mask, the width of the count of a compressed run.
+//
+// An array of structures with several dimensions is walked level by level
+// like any other array, each element's structure at the last level.
+template <class Family>
+uint32_t sig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size, uint32_t position,
+                        int variable, uint32_t level) {
+    int16_t dims[SIG_WALK_DEPTH];
+    if (level >= v.dimensions || !Family::dims(w, v, dims)) return v.at;
+    const int64_t step = sig_array_step(v.size, dims, v.dimensions, level);
+    if (step <= 0) return v.at;
+    int64_t n = dims[level];
+    int64_t left = size;
+    if (variable == 1) n = (left + step - 1) / step;
+    else if (left > n * step) left = std::max<int64_t>(n * step, 0);
+    if (!w.enter()) return v.at;
+    const uint8_t* row_end = data + left;
+    const bool last_level = level + 1 == v.dimensions;
+    const bool aggregate = v.type == SIG_TYPE_STRUCT || v.type == SIG_TYPE_UNION;
+    uint32_t result = v.at;
+    for (int64_t i = 0; i < n && w.visit(); i++) {
+        const uint32_t part = uint32_t(std::min<int64_t>(left, step));
+        if (aggregate) {
+            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
+            if (!last_level) result = sig_walk_array<Family>(w, v, data, part, behind, 0, level + 1);
+            else if (left != 0) result = Family::walk_struct(w, v, data, uint32_t(left), behind, 0, 1);
+        } else if (!last_level) {
+            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
+            sig_walk_array<Family>(w, v, data, part, behind, 0, level + 1);
+        } else if (w.compress == 1) {
+            sig_name_index(w.name, position, "[0-%lld]", n - 1);
+            if (v.size <= left) Family::emit(w, v, data, uint32_t(left / v.size) & Family::count_mask, row_end);
+            break;
+        } else {
+            sig_name_index(w.name, position, "[%lld]", i);
+            if (v.size <= left) Family::emit(w, v, data, 1, row_end);
+        }
+        if (left <= step) break;
+        data += step;
+        left -= step;
+    }
+    w.leave();
+    return result;
 }
 
 // The last steps of a traversal, alike in both families: a signal no longer

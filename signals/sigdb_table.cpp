@@ -114,14 +114,9 @@ static void sigdb_hit(sig_table table, const sigdesc& sd, std::string_view* name
     if (name) *name = strings.present() ? sig_name_at(sigdb_names(table), sd.name) : std::string_view();
     if (!sig_pool_of(table, POOL_VARDESC).present()) return;
     vardesc top, last;
-    uint32_t declared = 0, element = 0;
-    if (sigdb_vardesc_at(table, sd.vardesc, &top)) {
-        declared = top.size;
-        if (top.link != SIGDB_NO_LINK && sigdb_find_last_member(table, top.link, &last) && last.dimensions != 0)
-            element = last.size;
-    }
-    if (size) *size = declared;
-    if (var_size) *var_size = element;
+    const bool has_top = sigdb_vardesc_at(table, sd.vardesc, &top);
+    const bool has_last = has_top && top.link != SIGDB_NO_LINK && sigdb_find_last_member(table, top.link, &last);
+    sig_hit_sizes(has_top ? &top : nullptr, has_last ? &last : nullptr, size, var_size);
 }
 
 int sigdb_list_sig_by_number(uint32_t signo, sig_table table, uint32_t* cursor, std::string_view* name,
@@ -171,35 +166,17 @@ int sigdb_list_sig_by_name(const char* pattern, sig_table table, uint32_t* curso
 
 static char sigdb_name_buffer[SIG_NAME_SIZE];
 
-// A member's name: from the string pool, or its type's when there is none.
-static std::string_view sigdb_member_name(const sig_walk& w, const vardesc& r) {
-    std::string_view text = sig_name_at(w.strings, r.name);
-    if (!text.data()) get_type_name(r, &text);
-    return text;
-}
-
-// member_end: where the member's own bytes (an array's row) end.
 static void sigdb_emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
-    sig_value v{};
-    v.name = w.name;
-    v.address = at;
-    v.size = uint8_t(r.size);
-    v.count = uint16_t(count);
-    v.type = uint8_t(r.type);
-    v.flags = uint16_t(r.flags & (VAR_PASS | VAR_HIDDEN));
-    v.swap = w.swap;
-    v.strings = w.strings;
-    v.end = w.end;
-    v.text_end = member_end;
+    std::span<const uint8_t> entries;
+    std::string_view format;
     const sig_pool enums = sig_pool_of(w.table, POOL_ENUM);
     if (r.type == SIG_TYPE_ENUM && enums.size != 0) {
         const uint64_t off = uint64_t(r.link) * SIG_ENUM_SIZE;
-        if (off < enums.size) v.enum_entries = w.table.image.subspan(enums.at + off, enums.size - off);
+        if (off < enums.size) entries = w.table.image.subspan(enums.at + off, enums.size - off);
     } else if (r.link != SIGDB_NO_LINK && w.strings.base.data()) {
-        v.format = sig_name_at(w.strings, r.link);
+        format = sig_name_at(w.strings, r.link);
     }
-    if (r.flags & VAR_TEXT) v.format = "%s";
-    w.callback(v, w.context);
+    sig_emit(w, r, at, count, member_end, entries, format);
 }
 
 // A member's dimensions, outermost first; false when they do not lie in
@@ -215,48 +192,24 @@ static bool sigdb_dims(const sig_walk& w, const vardesc& v, int16_t* dims) {
 
 static uint32_t sigdb_walk_members(sig_walk& w, uint32_t first, const uint8_t* data, uint32_t size,
                                    uint32_t position, int variable);
-
 static uint32_t sigdb_walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
                                   uint32_t position, int variable, int element);
 
+struct sigdb_family {
+    static constexpr uint32_t count_mask = 0xFFFF;
+    static bool dims(const sig_walk& w, const vardesc& v, int16_t* d) { return sigdb_dims(w, v, d); }
+    static uint32_t walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size, uint32_t position,
+                                int variable, int element) {
+        return sigdb_walk_struct(w, v, data, size, position, variable, element);
+    }
+    static void emit(sig_walk& w, const vardesc& r, const uint8_t* at, uint32_t count, const uint8_t* member_end) {
+        sigdb_emit(w, r, at, count, member_end);
+    }
+};
+
 static uint32_t sigdb_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
                                  uint32_t position, int variable, uint32_t level) {
-    int16_t dims[SIG_WALK_DEPTH];
-    if (level >= v.dimensions || !sigdb_dims(w, v, dims)) return v.at;
-    const int64_t step = sig_array_step(v.size, dims, v.dimensions, level);
-    if (step <= 0) return v.at;
-    int64_t n = dims[level];
-    int64_t left = size;
-    if (variable == 1) n = (left + step - 1) / step;
-    else if (left > n * step) left = std::max<int64_t>(n * step, 0);
-    if (!w.enter()) return v.at;
-    const uint8_t* row_end = data + left;
-    const bool last_level = level + 1 == v.dimensions;
-    const bool aggregate = v.type == SIG_TYPE_STRUCT || v.type == SIG_TYPE_UNION;
-    uint32_t result = v.at;
-    for (int64_t i = 0; i < n && w.visit(); i++) {
-        const uint32_t part = uint32_t(std::min<int64_t>(left, step));
-        if (aggregate) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
-            if (!last_level) result = sigdb_walk_array(w, v, data, part, behind, 0, level + 1);
-            else if (left != 0) result = sigdb_walk_struct(w, v, data, uint32_t(left), behind, 0, 1);
-        } else if (!last_level) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
-            sigdb_walk_array(w, v, data, part, behind, 0, level + 1);
-        } else if (w.compress == 1) {
-            sig_name_index(w.name, position, "[0-%lld]", n - 1);
-            if (v.size <= left) sigdb_emit(w, v, data, uint32_t(left / v.size), row_end);
-            break;
-        } else {
-            sig_name_index(w.name, position, "[%lld]", i);
-            if (v.size <= left) sigdb_emit(w, v, data, 1, row_end);
-        }
-        if (left <= step) break;
-        data += step;
-        left -= step;
-    }
-    w.leave();
-    return result;
+    return sig_walk_array<sigdb_family>(w, v, data, size, position, variable, level);
 }
 
 static uint32_t sigdb_walk_struct(sig_walk& w, const vardesc& v, const uint8_t* data, uint32_t size,
@@ -264,7 +217,7 @@ static uint32_t sigdb_walk_struct(sig_walk& w, const vardesc& v, const uint8_t* 
     // The path gets a structure's name only behind a name already there:
     // the signal's own name never starts a path.
     if (element != 1 && w.name[0] != '\0' && v.name != 0)
-        position = sig_name_put(w.name, position, sigdb_member_name(w, v));
+        position = sig_name_put(w.name, position, sig_member_name(w, v));
     if (v.dimensions != 0 && element == 0) return sigdb_walk_array(w, v, data, size, position, variable, 0);
     if (w.name[0] != '\0' && v.name != 0) position = sig_name_put(w.name, position, ".");
     if (v.link == SIGDB_NO_LINK || !w.enter()) return v.at;
@@ -295,7 +248,7 @@ static uint32_t sigdb_walk_members(sig_walk& w, uint32_t first, const uint8_t* d
                 behind = sigdb_list_end(w.table, r.link, &w.budget);
             if (behind != SIG_NULL && behind > i) i = behind;
         } else {
-            const uint32_t end = sig_name_put(w.name, position, sigdb_member_name(w, r));
+            const uint32_t end = sig_name_put(w.name, position, sig_member_name(w, r));
             if (r.dimensions == 0) {
                 if (uint64_t(r.offset) + r.size <= size) sigdb_emit(w, r, data + r.offset, 1, data + r.offset + r.size);
             } else if (r.offset < size) {

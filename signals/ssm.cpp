@@ -429,64 +429,50 @@ static bool load_failure(int code) {
            code == SSM_NO_TABLES || code == SSM_NO_MEMORY;
 }
 
+// Tells a failure, twice for one of the selection; true when it ends the
+// search, which without -c also ends the report.
+static bool told_and_stopped(int code, bool twice, krd_options* options) {
+    print_ssm_error(code);
+    if (twice) print_ssm_error(code);
+    if (options->flags & KRD_OPT_CONTINUE) return false;
+    options->sigsym_failed = 1;
+    return true;
+}
+
 int handle_sigsymb_file(FILE*, krd_options* options) {
     report_allocators = heap_allocators;
     const int r = ssmSelectArchive(options->zip_files[0], &report_allocators);
     if (r == SSM_OK) return 0;
-    print_ssm_error(r);
-    if (selection_failure(r)) {
+    if (!selection_failure(r)) {
         print_ssm_error(r);
-        if (!(options->flags & KRD_OPT_CONTINUE)) {
-            options->sigsym_failed = 1;
-            free_process_list();
-            return -1;
-        }
+        return 0;
     }
-    return 0;
+    if (!told_and_stopped(r, true, options)) return 0;
+    free_process_list();
+    return -1;
 }
 
 int load_sigsymb_file(FILE*, const krd_signal_record* record, krd_options* options) {
     if (!(options->flags & KRD_OPT_ZIP) || !record->lmid || record->size == 0) return 1;
     const char* lmid = record->lmid;
-    const bool go_on = options->flags & KRD_OPT_CONTINUE;
     int r = ssmLoad(lmid);
-    if (r == SSM_OK) return 0;
     if (r == SSM_NO_MEMORY) {
         ssmUnloadAll();
         r = ssmLoad(lmid);
-        if (r == SSM_OK) return 0;
     }
-    if (load_failure(r)) {
-        print_ssm_error(r);
-        if (!go_on) {
-            options->sigsym_failed = 1;
-            return r;
-        }
-    }
+    if (r == SSM_OK) return 0;
+    if (load_failure(r) && told_and_stopped(r, false, options)) return r;
+    // The selected archive first, then the others in the order given.
     const int skip = options->zip_current;
     for (int i = 0; i < options->zip_count; i++) {
         if (i == skip) continue;
         const int s = ssmSelectArchive(options->zip_files[i], &report_allocators);
-        if (s != SSM_OK) {
-            print_ssm_error(s);
-            if (selection_failure(s)) {
-                print_ssm_error(s);
-                if (!go_on) {
-                    options->sigsym_failed = 1;
-                    return s;
-                }
-            }
-        }
+        if (s != SSM_OK && selection_failure(s) && told_and_stopped(s, true, options)) return s;
+        if (s != SSM_OK && !selection_failure(s)) print_ssm_error(s);
         options->zip_current = i;
         r = ssmLoad(lmid);
         if (r == SSM_OK) return 0;
-        if (load_failure(r)) {
-            print_ssm_error(r);
-            if (!go_on) {
-                options->sigsym_failed = 1;
-                return r;
-            }
-        }
+        if (load_failure(r) && told_and_stopped(r, false, options)) return r;
     }
     return r;
 }
