@@ -92,6 +92,21 @@ TEST(SignalTable, ReformatStatuses) {
     EXPECT_EQ(type_19("big", 2), 7);
     EXPECT_EQ(type_19("little", 2), 0);
 
+    // Relocated by the address the header was linked for, as the writer
+    // left the positions: 0x100000 plus the place in the file.
+    auto linked = [&](auto change) {
+        built b = build(table_text("t", "big", two_signals));
+        change(b);
+        return sigdb_reformat_table(b.table(), uint32_t(0x100000 + b.layout.header), SIG_NULL, SIG_NULL);
+    };
+    EXPECT_EQ(linked([](built&) {}), 0);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_POOLS + 8, 0x900000); }), 4);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_POOLS + 8, 0); }), 5);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_SIZES + 16, 3); }), 9);
+    built relocated = build(table_text("t", "little", two_signals));
+    ASSERT_EQ(reformat_table(relocated.table(), uint32_t(0x100000 + relocated.layout.header), 0, SIG_NULL), 0);
+    EXPECT_EQ(signo_size(relocated.table()), 2);
+
     // The other family is not found this way, and is left alone.
     built other = build(table_text("t", "big", two_signals));
     other.image[other.layout.header + 1] = 1;
