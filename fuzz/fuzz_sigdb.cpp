@@ -37,9 +37,9 @@ static std::vector<uint8_t> signal_for(sig_table table, uint32_t signo, const ui
 static void print_all(sig_table table, const uint8_t* data, size_t n) {
     uint32_t cursor = SIG_NULL, size = 0, var_size = 0, signo = 0;
     std::string_view name;
-    for (int hits = 0; hits < 4 && list_sig_by_name("*", table, &cursor, &name, &size, &var_size, &signo); hits++) {
+    for (int hits = 0; hits < 3 && list_sig_by_name("*", table, &cursor, &name, &size, &var_size, &signo); hits++) {
         for (size_t length : {size_t(size), size_t(size / 2), size_t(size) * 2 + 7}) {
-            if (length == 0 || length > 4096) continue;
+            if (length == 0 || length > 1024) continue;
             const std::vector<uint8_t> s = signal_for(table, signo, data, n, length);
             ssm_print_signal(table, s.data(), uint32_t(s.size()), 0, count_char, nullptr, nullptr, 1);
             if (length != size) continue;

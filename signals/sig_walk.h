@@ -9,11 +9,11 @@
 #include "signals/sig_table.h"
 
 // Records visited per signal. A real signal needs about one visit per value
-// printed and a few per structure: far fewer than this, which still bounds
-// what a lying table can make us print.
+// printed and one per structure element, which is at most a few per byte
+// even with unions; a table that asks for more prints what fits in this.
 inline constexpr uint32_t SIG_WALK_BUDGET = 1u << 20;
 inline uint32_t sig_walk_budget(uint32_t signal_size) {
-    return uint32_t(std::min<uint64_t>(SIG_WALK_BUDGET, 65536 + 16 * uint64_t(signal_size)));
+    return uint32_t(std::min<uint64_t>(SIG_WALK_BUDGET, 4096 + 4 * uint64_t(signal_size)));
 }
 // Structures and array levels inside each other.
 inline constexpr int SIG_WALK_DEPTH = 64;
