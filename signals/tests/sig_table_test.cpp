@@ -1,0 +1,353 @@
+// Signal tables: reformatting statuses, lookups, the confsig family, the
+// checked formats, and what keeps a lying table from running away.
+#include <gtest/gtest.h>
+
+#include <bit>
+
+#include "signals/sig_format.h"
+#include "signals/sig_print.h"
+#include "signals/sig_table.h"
+#include "signals/ssm.h"
+#include "signals/tests/sig_fixture.h"
+
+namespace {
+
+std::string table_text(const std::string& name, const char* order, const std::string& body) {
+    return "member M\ntable " + name + " order=" + order + "\n" + body;
+}
+
+const char* const two_signals = R"(
+signal FIRST 0x11 {
+    ushort sig_no
+    ushort a
+    uint b
+}
+signal SECOND 0x22 {
+    ushort sig_no
+    ushort a
+}
+signal FIRST_AGAIN 0x11 {
+    ushort sig_no
+    uchar c
+}
+)";
+
+struct built {
+    std::vector<uint8_t> image;
+    sigdb_layout layout;
+    sig_table table() { return {image, uint32_t(layout.header)}; }
+    int reformat() { return sigdb_reformat_magic_table(table(), 0, 0, uint32_t(image.size() - 1)); }
+    void put32(size_t at, uint32_t v, bool big = true) {
+        for (int i = 0; i < 4; i++) image[at + size_t(i)] = uint8_t(v >> (8 * (big ? 3 - i : i)));
+    }
+};
+
+built build(const std::string& description) {
+    built b;
+    std::vector<sigdb_layout> layouts;
+    b.image = member_image(description, &layouts);
+    b.layout = layouts.at(0);
+    return b;
+}
+
+TEST(SignalTable, ReformatStatuses) {
+    const std::string name127(127, 'n');
+    EXPECT_EQ(build(table_text(name127, "big", two_signals)).reformat(), 0);
+    EXPECT_EQ(build(table_text(name127 + "n", "big", two_signals)).reformat(), 9);
+
+    auto with = [&](auto change) {
+        built b = build(table_text("t", "big", two_signals));
+        change(b);
+        return b.reformat();
+    };
+    const size_t sizes = SYM_SIZES;
+    EXPECT_EQ(with([](built& b) { b.image.resize(b.layout.header + 299); }), 3);
+    EXPECT_EQ(with([](built& b) { b.image[b.layout.header + 60] = 'x'; }), 3);
+    EXPECT_EQ(with([](built& b) { b.image[b.layout.header + 1] = 5; }), 2);
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 0, 13); }), 6);
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 4, 21); }), 7);
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 8, 9); }), 8);
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 16, 3); }), 9);
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 8, 0); }), 5);
+    // A pool whose text is missing.
+    EXPECT_EQ(with([](built& b) { b.image[b.layout.pools[4] + b.layout.sizes[4] + 5] = 'X'; }), 5);
+    // A pool larger than the room in front of its text.
+    EXPECT_EQ(with([&](built& b) { b.put32(b.layout.header + sizes + 0, 0x10000 * 12); }), 5);
+    // A text that ends right behind its fixed part names nothing.
+    EXPECT_EQ(with([](built& b) { b.image[b.layout.header + 84] = 0; }), 9);
+    // Bounds: none at all, and a header that would begin before the image.
+    built none = build(table_text("t", "big", two_signals));
+    EXPECT_EQ(sigdb_reformat_magic_table(none.table(), 0, SIG_NULL, SIG_NULL), 1);
+    EXPECT_EQ(sigdb_reformat_magic_table({none.image, uint32_t(-40)}, 0, 0, uint32_t(none.image.size() - 1)), 3);
+
+    // A type code above 18: refused in the other byte order except in the
+    // pool's end mark, never tested in host order.
+    auto type_19 = [&](const char* order, size_t record_from_end) {
+        built b = build(table_text("t", order, two_signals));
+        const size_t at = b.layout.pools[1] + b.layout.sizes[1] - record_from_end * 20 + 12;
+        b.image[at + (order[0] == 'b' ? 1 : 0)] = 19;
+        return b.reformat();
+    };
+    EXPECT_EQ(type_19("big", 1), 0);
+    EXPECT_EQ(type_19("big", 2), 7);
+    EXPECT_EQ(type_19("little", 2), 0);
+
+    // Relocated by the address the header was linked for, as the writer
+    // left the positions: 0x100000 plus the place in the file.
+    auto linked = [&](auto change) {
+        built b = build(table_text("t", "big", two_signals));
+        change(b);
+        return sigdb_reformat_table(b.table(), uint32_t(0x100000 + b.layout.header), SIG_NULL, SIG_NULL);
+    };
+    EXPECT_EQ(linked([](built&) {}), 0);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_POOLS + 8, 0x900000); }), 4);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_POOLS + 8, 0); }), 5);
+    EXPECT_EQ(linked([](built& b) { b.put32(b.layout.header + SYM_SIZES + 16, 3); }), 9);
+    built relocated = build(table_text("t", "little", two_signals));
+    ASSERT_EQ(reformat_table(relocated.table(), uint32_t(0x100000 + relocated.layout.header), 0, SIG_NULL), 0);
+    EXPECT_EQ(signo_size(relocated.table()), 2);
+
+    // The other family is not found this way, and is left alone.
+    built other = build(table_text("t", "big", two_signals));
+    other.image[other.layout.header + 1] = 1;
+    const auto before = other.image;
+    EXPECT_EQ(reformat_magic_table(other.table(), 0, 0, uint32_t(other.image.size() - 1)), 1);
+    EXPECT_EQ(other.image, before);
+}
+
+TEST(SignalTable, Lookups) {
+    built big = build(table_text("t", "big", two_signals));
+    EXPECT_EQ(check_endian(big.table()), 1);
+    ASSERT_EQ(big.reformat(), 0);
+    EXPECT_EQ(check_endian(big.table()), 1);  // the magic word keeps the stored order
+    sig_table t = big.table();
+    EXPECT_EQ(signo_size(t), 2);
+    const std::vector<uint8_t> signal = {0, 0x11, 0, 1, 0, 0, 0, 2};
+    EXPECT_EQ(get_sig_no(t, signal), 0x11u);
+    EXPECT_EQ(get_sig_no(t, std::span(signal).first(1)), 0u);
+
+    // Two records of one number, one per call, then none.
+    uint32_t cursor = SIG_NULL, size = 99, var_size = 99;
+    std::string_view name;
+    ASSERT_EQ(list_sig_by_number(0x11, t, &cursor, &name, &size, &var_size), 1);
+    EXPECT_EQ(name, "FIRST");
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(var_size, 0u);
+    ASSERT_EQ(list_sig_by_number(0x11, t, &cursor, &name, &size, &var_size), 1);
+    EXPECT_EQ(name, "FIRST_AGAIN");
+    EXPECT_EQ(list_sig_by_number(0x11, t, &cursor, &name, &size, &var_size), 0);
+
+    auto names = [&](const char* pattern) {
+        std::string found;
+        uint32_t c = SIG_NULL, signo = 0;
+        while (list_sig_by_name(pattern, t, &c, &name, nullptr, nullptr, &signo))
+            found += std::string(name) + "=" + std::to_string(signo) + " ";
+        return found;
+    };
+    EXPECT_EQ(names("*"), "FIRST=17 SECOND=34 FIRST_AGAIN=17 ");
+    EXPECT_EQ(names("FIRST*"), "FIRST=17 FIRST_AGAIN=17 ");
+    EXPECT_EQ(names("FIRST"), "FIRST=17 ");
+    EXPECT_EQ(names("FIRS"), "");
+
+    // A cursor into another table of the file counts as no cursor.
+    std::vector<sigdb_layout> layouts;
+    auto image = member_image(table_text("t", "big", two_signals) + "table u order=little\n" + two_signals, &layouts);
+    const sig_table first{image, uint32_t(layouts[0].header)}, second{image, uint32_t(layouts[1].header)};
+    ASSERT_EQ(reformat_magic_table(first, 0, 0, uint32_t(image.size() - 1)), 0);
+    ASSERT_EQ(reformat_magic_table(second, 0, 0, uint32_t(image.size() - 1)), 0);
+    uint32_t foreign = SIG_NULL;
+    ASSERT_EQ(list_sig_by_number(0x22, second, &foreign, &name, &size, &var_size), 1);
+    ASSERT_EQ(list_sig_by_number(0x11, first, &foreign, &name, &size, &var_size), 1);
+    EXPECT_EQ(name, "FIRST");
+    EXPECT_EQ(check_endian(second), 0);
+
+    // Every structure of one member: no place for a number.
+    built single = build(table_text("s", "big", "signal ONE 1 {\n uint only\n}\n"));
+    ASSERT_EQ(single.reformat(), 0);
+    EXPECT_EQ(signo_size(single.table()), 0);
+    EXPECT_EQ(get_sig_no(single.table(), signal), 0u);
+
+    // A last member that is an array: its element size.
+    built last = build(table_text("l", "big", "signal L 7 {\n uint sig_no\n short v[3]\n}\n"));
+    ASSERT_EQ(last.reformat(), 0);
+    cursor = SIG_NULL;
+    ASSERT_EQ(list_sig_by_number(7, last.table(), &cursor, &name, &size, &var_size), 1);
+    EXPECT_EQ(size, 12u);
+    EXPECT_EQ(var_size, 2u);
+
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal_name(t, 0x11, sink_put), 2);
+    EXPECT_EQ(sink, "FIRST FIRST_AGAIN ");
+}
+
+TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
+    built b = build(table_text("t", "little", "signal S 0x31 {\n uint sig_no\n 19 odd size=2\n}\n"));
+    ASSERT_EQ(b.reformat(), 0);
+    b.put32(b.layout.header + SYM_POOLS + 4 * POOL_STRING, SIG_NULL, std::endian::native == std::endian::big);
+    const std::vector<uint8_t> signal = {0x31, 0, 0, 0, 0xcd, 0xab};
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 6, 0, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(sink, "Signal <SIGNAL_SYMBOL_NAME>:\n\n00000000: (unsigned int) = 0x31\n00000004: (unknown type) = 0xabcd ...");
+}
+
+// A text ends at its zero, at its member's end, or after 1023 characters.
+TEST(SignalTable, TextsAreBounded) {
+    built b = build(table_text("t", "big", "signal T 0x41 {\n uint sig_no\n char s[1500] text\n uint after\n}\n"));
+    ASSERT_EQ(b.reformat(), 0);
+    std::vector<uint8_t> signal(4 + 1500 + 4, 'a');
+    signal[0] = signal[1] = signal[2] = 0;
+    signal[3] = 0x41;
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 1, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(sink, "Signal T:\n\n00000000: sig_no = 0x41\n00000004: s[0-1499] = " + std::string(1023, 'a') +
+                        "\n000005E0: after = 0x61616161");
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_NE(sink.find("\n000005DE: s[1498] = aa\n000005DF: s[1499] = a\n"), std::string::npos);
+}
+
+// A table whose structure contains itself, through its link.
+TEST(SignalTable, LinkCycleEnds) {
+    built b = build(table_text("t", "big", "signal S 0x31 {\n uint sig_no\n uint pad\n struct s @0 {\n  uint x\n }\n}\n"));
+    // Records: 0 top, 1 sig_no, 2 pad, 3 s, 4 x. Point s at the top's list.
+    const size_t link = b.layout.pools[1] + 3 * 20 + 10;
+    b.image[link] = 0;
+    b.image[link + 1] = 1;
+    ASSERT_EQ(b.reformat(), 0);
+    const std::vector<uint8_t> signal = {0, 0, 0, 0x31, 0, 0, 0, 0};
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 8, 0, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_LT(sink.size(), 100000u);
+    EXPECT_NE(sink.find("\n00000000: s.s.s.s.sig_no = 0x31\n"), std::string::npos);
+}
+
+TEST(SignalTable, FindTextPassesOverWhereACandidateFailed) {
+    size_t at = 0;
+    auto find = [&](std::string_view hay, std::string_view pattern) {
+        return ssmFindText(pattern, reinterpret_cast<const uint8_t*>(hay.data()), hay.size(), &at);
+    };
+    EXPECT_EQ(find("xxabcd", "abc"), 0);
+    EXPECT_EQ(at, 2u);
+    EXPECT_EQ(find("aabc", "abc"), 2);   // the match began on the failing byte
+    EXPECT_EQ(find("ababc", "abc"), 2);
+    EXPECT_EQ(find("abxabc", "abc"), 0);
+    EXPECT_EQ(at, 3u);
+    EXPECT_EQ(find("ab", "abc"), 1);
+    EXPECT_EQ(find("xxab", "abc"), 2);
+
+    const std::string_view image = "..abc";
+    uint32_t hit = 0;
+    auto bytes = std::span(reinterpret_cast<const uint8_t*>(image.data()), image.size());
+    EXPECT_EQ(sigdb_find_bytes(bytes, "abc", 0, 5, &hit), 0);
+    EXPECT_EQ(hit, 2u);
+    EXPECT_EQ(sigdb_find_bytes(bytes, "abc", 0, 4, &hit), 2);  // the last byte is not reached
+    EXPECT_EQ(sigdb_find_bytes(bytes, "abc", 2, 4, &hit), 1);
+}
+
+// A confsig table, linked for address 0x1000, in big-endian order.
+struct confsig_image {
+    std::vector<uint8_t> b = std::vector<uint8_t>(0x100);
+    static constexpr uint32_t header = 0x10, link = 0x1000;
+    static uint32_t addr(uint32_t pos) { return link + pos - header; }
+    void w16(uint32_t at, uint32_t v) { b[at] = uint8_t(v >> 8), b[at + 1] = uint8_t(v); }
+    void w32(uint32_t at, uint32_t v) { w16(at, v >> 16), w16(at + 2, v & 0xffff); }
+    void ref(uint32_t at, uint32_t pos) { w32(at, addr(pos)); }
+    void var(uint32_t at, uint16_t flags, uint8_t type, uint8_t dims, uint32_t dim_at, uint16_t size,
+             uint16_t offset, uint32_t link_at, uint32_t name_at) {
+        w16(at, flags);
+        b[at + 2] = type;
+        b[at + 3] = dims;
+        if (dim_at) ref(at + 4, dim_at);
+        w16(at + 8, size);
+        w16(at + 10, offset);
+        if (link_at) ref(at + 12, link_at);
+        if (name_at) ref(at + 16, name_at);
+    }
+    confsig_image() {
+        const uint32_t sigs = 0x40, vars = 0x58, enums = 0xAC, strings = 0xBC, index = 0xD0;
+        w16(header, 1);
+        const uint32_t pools[5] = {sigs, vars, enums, strings, index}, sizes[5] = {24, 84, 16, 20, 2};
+        for (int k = 0; k < 5; k++) ref(header + 4 + 4 * uint32_t(k), pools[k]), w32(header + 24 + 4 * uint32_t(k), sizes[k]);
+        ref(sigs, strings);  // PING
+        w32(sigs + 4, 0x55);
+        ref(sigs + 8, vars);
+        var(vars, 0, 13, 0, 0, 8, 0, vars + 28, strings);
+        var(vars + 28, 2, 0, 0, 0, 2, 4, enums, strings + 5);    // mode, another follows
+        var(vars + 56, 0, 2, 1, index, 1, 6, 0, strings + 10);   // b[2], the last
+        w32(enums, 1);
+        ref(enums + 4, strings + 12);  // ON
+        std::memcpy(&b[strings], "PING\0mode\0b\0ON\0", 15);
+        w16(index, 2);
+    }
+    sig_table table() { return {b, header}; }
+};
+
+TEST(SignalTable, ConfsigTable) {
+    confsig_image c;
+    ASSERT_EQ(reformat_table(c.table(), confsig_image::link, SIG_NULL, SIG_NULL), 0);
+    const sig_table t = c.table();
+    EXPECT_EQ(check_endian(t), 1);
+    EXPECT_EQ(signo_size(t), 4);  // the list leaves the number out
+    const std::vector<uint8_t> signal = {0, 0, 0, 0x55, 0, 1, 'A', 'B'};
+    sink.clear();
+    EXPECT_EQ(ssm_print_signal(t, signal.data(), 8, 1, sink_put, nullptr, nullptr, 0), 0);
+    EXPECT_EQ(sink, "Signal PING:\n\n00000000: PING.mode = ON\n00000002: PING.b[0-1] = \"AB\"");
+    sink.clear();
+    EXPECT_EQ(printsig(t, signal.data(), 8, 0, sink_put, nullptr, nullptr), 0);
+    EXPECT_EQ(sink, "PING : PING.mode = ON, PING.b[0] = 0x41, PING.b[1] = 0x42");
+    uint32_t cursor = SIG_NULL, signo = 0;
+    std::string_view name;
+    EXPECT_EQ(list_sig_by_name("P*", t, &cursor, &name, nullptr, nullptr, &signo), 1);
+    EXPECT_EQ(signo, 0x55u);
+    EXPECT_EQ(list_sig_by_name("P*", t, &cursor, &name, nullptr, nullptr, &signo), 0);
+
+    confsig_image out_of_range;
+    out_of_range.w32(0x58 + 28 + 16, 0x9000);
+    EXPECT_EQ(reformat_table(out_of_range.table(), confsig_image::link, SIG_NULL, SIG_NULL), 7);
+    confsig_image bad_type;
+    bad_type.b[0x58 + 28 + 2] = 15;
+    EXPECT_EQ(reformat_table(bad_type.table(), confsig_image::link, SIG_NULL, SIG_NULL), 8);
+    confsig_image bad_size;
+    bad_size.w32(confsig_image::header + 28, 85);
+    EXPECT_EQ(reformat_table(bad_size.table(), confsig_image::link, SIG_NULL, SIG_NULL), 6);
+    confsig_image bad_pool;
+    bad_pool.w32(confsig_image::header + 4, 0x50000);
+    EXPECT_EQ(reformat_table(bad_pool.table(), confsig_image::link, SIG_NULL, SIG_NULL), 4);
+    EXPECT_EQ(reformat_magic_table(bad_pool.table(), 0, 0, 0xff), 1);
+}
+
+TEST(SignalFormat, OnlyOneFittingConversion) {
+    char out[64];
+    auto integer = [&](const char* f, uint64_t v, int bits = 64, bool is_signed = false) {
+        const sig_format checked = sig_check_format(f);
+        EXPECT_EQ(checked.kind, sig_format::INTEGER) << f;
+        sig_format_integer(checked, v, bits, is_signed, out, sizeof out);
+        return std::string(out);
+    };
+    EXPECT_EQ(integer("%d", 0xffffffff), "-1");
+    EXPECT_EQ(integer("%ld", 0xffffffff), "-1");  // the target's long is 32 bits
+    EXPECT_EQ(integer("%lld", 0xffffffffffffffff), "-1");
+    EXPECT_EQ(integer("%hhd", 0x1ff), "-1");
+    EXPECT_EQ(integer("%hu", 0x12345), "9029");
+    EXPECT_EQ(integer("v=0x%08lX%%", 0xbeef), "v=0x0000BEEF%");
+    EXPECT_EQ(integer("[%-3c]", 'A'), "[A  ]");
+    EXPECT_EQ(integer("%#o", 8), "010");
+    // As a C argument: a signed short widens by its sign, an unsigned one by zeros.
+    EXPECT_EQ(integer("%d", 0xff9c, 16, true), "-100");
+    EXPECT_EQ(integer("%x", 0xff9c, 16, true), "ffffff9c");
+    EXPECT_EQ(integer("%hx", 0xff9c, 16, true), "ff9c");
+    EXPECT_EQ(integer("%d", 0xff9c, 16, false), "65436");
+    EXPECT_EQ(integer("%lld", 0xffffffff, 32, true), "-1");
+    const sig_format f = sig_check_format("%6.2f s");
+    ASSERT_EQ(f.kind, sig_format::FLOATING);
+    sig_format_floating(f, 1.5, out, sizeof out);
+    EXPECT_EQ(std::string(out), "  1.50 s");
+    EXPECT_EQ(sig_check_format("%Lg").kind, sig_format::FLOATING);
+    for (const char* bad : {"%s", "%n", "%p", "%*d", "%.*d", "%d%d", "%256d", "%.999f", "plain", "%%", "50%",
+                            "%hf", "%Ld", "%1$d", "%lc%", "%q"})
+        EXPECT_EQ(sig_check_format(bad).kind, sig_format::NONE) << bad;
+    EXPECT_EQ(sig_check_format(std::string_view()).kind, sig_format::NONE);
+    EXPECT_EQ(sig_check_format(std::string(300, 'x') + "%d").kind, sig_format::NONE);
+}
+
+}  // namespace

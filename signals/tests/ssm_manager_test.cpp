@@ -1,0 +1,325 @@
+// The archive manager's result codes, and how the report's side of it
+// (handle_sigsymb_file, load_sigsymb_file) selects archives, tells
+// failures and decides whether the report goes on.
+#include <gtest/gtest.h>
+
+#include "render/dump_printers.h"
+#include "signals/ssm.h"
+#include "signals/tests/sig_fixture.h"
+#include "tests/capture.h"
+
+namespace {
+
+const SsmAllocators heap = {std::malloc, std::free};
+
+// Members: one usable, one without tables, one whose table is of the
+// other family, one empty, one whose table lies about its pool sizes.
+const char* const members_a = R"(
+member LQZ_A
+fill 16 0
+table a
+signal A_SIG 0x100 {
+    uint sig_no
+    ushort value
+}
+member NO_TABLES
+text "an object file without signal tables"
+member OTHER_FAMILY
+table c magic=1
+signal C_SIG 1 {
+    uint sig_no
+}
+member EMPTY
+member LONG_NAME_THAT_IS_USED_FOR_NOTHING
+fill 8 1
+)";
+
+const char* const members_b = R"(
+member LQZ_B
+table b order=little
+signal B_SIG 0x200 {
+    uint sig_no
+    char tag[4]
+}
+member LQZ_A
+table a2
+signal A2_SIG 0x100 {
+    uint sig_no
+    uint x
+}
+)";
+
+std::vector<uint8_t> be(uint32_t signo, std::vector<uint8_t> rest = {}) {
+    std::vector<uint8_t> v = {uint8_t(signo >> 24), uint8_t(signo >> 16), uint8_t(signo >> 8), uint8_t(signo)};
+    v.insert(v.end(), rest.begin(), rest.end());
+    return v;
+}
+
+std::string print(const char* lmid, const std::vector<uint8_t>& signal) {
+    sink.clear();
+    ssmPrint(lmid, signal.data(), uint32_t(signal.size()), sink_put);
+    return sink;
+}
+
+// An allocator that refuses blocks above a size.
+size_t refuse_above = 0;
+void* picky_alloc(size_t n) { return n > refuse_above ? nullptr : std::malloc(n); }
+const SsmAllocators picky = {picky_alloc, std::free};
+
+void patch_sizes(const std::string& zip, uint32_t grow) {
+    std::fstream f(zip, std::ios::in | std::ios::out | std::ios::binary);
+    std::vector<uint8_t> b((std::istreambuf_iterator<char>(f)), {});
+    auto u32 = [&](size_t at) { return uint32_t(b[at] | b[at + 1] << 8 | b[at + 2] << 16 | uint32_t(b[at + 3]) << 24); };
+    auto put = [&](size_t at, uint32_t v) {
+        for (int i = 0; i < 4; i++) b[at + size_t(i)] = uint8_t(v >> (8 * i));
+    };
+    const size_t eocd = b.size() - 22;
+    ASSERT_EQ(u32(eocd), 0x06054b50u);
+    const size_t central = u32(eocd + 16);
+    put(22, u32(22) + grow);
+    put(central + 24, u32(central + 24) + grow);
+    f.seekp(0);
+    f.write(reinterpret_cast<const char*>(b.data()), std::streamsize(b.size()));
+}
+
+TEST(SignalArchiveManager, ResultCodes) {
+    scratch_dir dir;
+    const std::string zip = dir.archive("a.zip", members_a);
+    const auto sig = be(0x100, {0, 7, 0, 0});
+    deleteSsmDataBase();
+
+    EXPECT_EQ(ssmLoad("LQZ_A"), -1);
+    EXPECT_EQ(ssmUnload("LQZ_A"), -1);
+    EXPECT_EQ(ssmUnloadAll(), -1);
+    EXPECT_EQ(ssmPrintSignalNames("LQZ_A", 0x100, sink_put), -1);
+    EXPECT_EQ(ssmPrint("LQZ_A", sig.data(), 8, sink_put), -1);
+    EXPECT_EQ(ssmInfo(), nullptr);
+    sink.clear();
+    EXPECT_EQ(ssmPrint("LQZ_A", sig.data(), 0, sink_put), -10);
+    EXPECT_EQ(ssmPrint("LQZ_A", nullptr, 6, sink_put), -10);
+    EXPECT_EQ(sink, "");
+    // Without an id nothing is looked up: hex, whether or not selected.
+    EXPECT_EQ(print(nullptr, sig), "00000000: 00000100 00070000" + std::string(21, ' ') + "\"........\"\n");
+
+    dir.write("not.zip", {'P', 'K', 3, 4, 0});
+    EXPECT_EQ(ssmSelectArchive((dir / "not.zip").c_str(), &heap), -2);
+    EXPECT_EQ(ssmLoad("LQZ_A"), -1);
+    EXPECT_EQ(ssmSelectArchive((dir / "none.zip").c_str(), &heap), -2);
+
+    ASSERT_EQ(ssmSelectArchive(zip.c_str(), &heap), 0);
+    EXPECT_EQ(ssmLoad("LQZ_X"), -4);
+    EXPECT_EQ(ssmLoad(nullptr), -4);
+    EXPECT_EQ(ssmLoad("lqz_a"), -4);  // names match exactly
+    EXPECT_EQ(ssmUnload("LQZ_A"), 0);  // not loaded
+    EXPECT_EQ(ssmPrintSignalNames("LQZ_A", 0x100, sink_put), 0);
+    // A member that is not loaded prints hex.
+    EXPECT_EQ(print("LQZ_A", sig).substr(0, 10), "00000000: ");
+    EXPECT_EQ(ssmLoad("NO_TABLES"), -8);
+    EXPECT_EQ(ssmLoad("EMPTY"), -8);
+    EXPECT_EQ(ssmLoad("OTHER_FAMILY"), -5);
+    EXPECT_EQ(ssmLoad("LQZ_A"), 0);
+    EXPECT_EQ(ssmLoad("LQZ_A"), 0);
+    EXPECT_EQ(print("LQZ_A", sig), "Signal A_SIG:\n\n00000000: sig_no = 0x100\n00000004: value = 0x7");
+    sink.clear();
+    EXPECT_EQ(ssmPrintSignalNames("LQZ_A", 0x100, sink_put), 1);
+    EXPECT_EQ(sink, "A_SIG ");
+
+    // The snapshot: the failed loads left nothing behind.
+    auto info = ssmInfo();
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info[0].flag, 1);
+    EXPECT_STREQ(info[0].text, zip.c_str());
+    ASSERT_EQ(info[0].second, 5u);
+    const char* names[] = {"LQZ_A", "NO_TABLES", "OTHER_FAMILY", "EMPTY", "LONG_NAME_THAT_IS_USED_FOR_NOTHING"};
+    for (int i = 0; i < 5; i++) {
+        EXPECT_STREQ(info[i + 1].text, names[i]);
+        EXPECT_EQ(info[i + 1].flag, i == 0);
+        EXPECT_EQ(info[i + 1].second, i == 0 ? 1u : 0u);
+    }
+    EXPECT_EQ(info[4].first, 0u);
+    EXPECT_EQ(info[0].first, 5 * sizeof(SsmFile) + info[1].first + sizeof(uint32_t));
+
+    EXPECT_EQ(ssmUnload("LQZ_A"), 0);
+    EXPECT_EQ(ssmInfo()[0].first, 5 * sizeof(SsmFile));
+    EXPECT_EQ(ssmUnload("LQZ_X"), -4);
+
+    // Memory: the image is refused, then the records themselves.
+    refuse_above = 5 * sizeof(SsmFile);
+    ASSERT_EQ(ssmSelectArchive(zip.c_str(), &picky), 0);
+    EXPECT_EQ(ssmLoad("LQZ_A"), -9);
+    refuse_above = 0;
+    EXPECT_EQ(ssmSelectArchive(zip.c_str(), &picky), -9);
+    EXPECT_EQ(ssmLoad("LQZ_A"), -1);
+    deleteSsmDataBase();
+}
+
+TEST(SignalArchiveManager, ArchivesThatLie) {
+    scratch_dir dir;
+    // A member that inflates to fewer bytes than the directory says.
+    const std::string zip = dir.archive("short.zip", members_b);
+    patch_sizes(zip, 10);
+    ASSERT_EQ(ssmSelectArchive(zip.c_str(), &heap), 0);
+    EXPECT_EQ(ssmLoad("LQZ_B"), -3);
+    EXPECT_EQ(ssmLoad("LQZ_A"), 0);
+
+    // Two entries of one name: all distinct names are there, the first
+    // entry of the name is the one used.
+    const std::string dup = dir.archive("dup.zip", members_b);
+    dir.repeat_name(dup, 1);
+    EXPECT_EQ(ssmSelectArchive(dup.c_str(), &heap), -6);
+    EXPECT_EQ(ssmInfo()[0].second, 1u);
+    EXPECT_EQ(ssmLoad("LQZ_B"), 0);
+    EXPECT_EQ(print("LQZ_B", {0, 2, 0, 0, 'a', 'b', 'c', 0}),
+              "Signal B_SIG:\n\n00000000: sig_no = 0x200\n00000004: tag[0] = 0x61\n00000005: tag[1] = 0x62\n"
+              "00000006: tag[2] = 0x63\n00000007: tag[3] = 0x0");
+    deleteSsmDataBase();
+}
+
+struct report_options {
+    krd_options o;
+    report_options(std::initializer_list<const char*> zips, uint32_t flags = 0) {
+        for (const char* z : zips) o.zip_files[o.zip_count++] = z;
+        o.flags = KRD_OPT_ZIP | flags;
+    }
+};
+
+int load(krd_options* o, const char* lmid, uint32_t size = 8) {
+    krd_signal_record r;
+    r.lmid = lmid;
+    r.size = size;
+    return load_sigsymb_file(nullptr, &r, o);
+}
+
+TEST(SignalArchiveManager, FindsMembersAcrossArchives) {
+    scratch_dir dir;
+    const std::string a = dir.archive("a.zip", members_a);
+    const std::string b = dir.archive("b.zip", members_b);
+    report_options opt({a.c_str(), b.c_str()});
+    krd_options* o = &opt.o;
+    std::string err = capture_stderr([&] {
+        EXPECT_EQ(handle_sigsymb_file(nullptr, o), 0);
+        // Found only in the second archive, which then stays selected.
+        EXPECT_EQ(load(o, "LQZ_B"), 0);
+        EXPECT_EQ(o->zip_current, 1);
+        // A name in both is served by the selected archive first.
+        EXPECT_EQ(load(o, "LQZ_A"), 0);
+        EXPECT_EQ(print("LQZ_A", be(0x100, {0, 0, 0, 1})), "Signal A2_SIG:\n\n00000000: sig_no = 0x100\n00000004: x = 0x1");
+        // Alternating between archives gives the same results each time.
+        for (int i = 0; i < 3; i++) {
+            EXPECT_EQ(load(o, "NO_TABLES"), -8);
+            EXPECT_EQ(o->sigsym_failed, 1u);
+            o->sigsym_failed = 0;
+            EXPECT_EQ(o->zip_current, 0);
+            EXPECT_EQ(load(o, "LQZ_B"), 0);
+            EXPECT_EQ(print("LQZ_B", {0, 2, 0, 0}), "Signal B_SIG:\n\n00000000: sig_no = 0x200 ...");
+        }
+        // In no archive: all are tried in silence, the last stays selected.
+        o->zip_current = 0;
+        ssmSelectArchive(a.c_str(), &heap);
+        EXPECT_EQ(load(o, "NOWHERE"), -4);
+        EXPECT_EQ(o->zip_current, 1);
+        EXPECT_EQ(o->sigsym_failed, 0u);
+        // Nothing to do.
+        EXPECT_EQ(load(o, nullptr), 1);
+        EXPECT_EQ(load(o, "LQZ_B", 0), 1);
+        o->flags &= ~KRD_OPT_ZIP;
+        EXPECT_EQ(load(o, "LQZ_B"), 1);
+    });
+    EXPECT_EQ(err, std::string() +
+                       "Error: No signal tables exists in the signal symbol file.\n"
+                       "Error: No signal tables exists in the signal symbol file.\n"
+                       "Error: No signal tables exists in the signal symbol file.\n");
+
+    // With -c a member that cannot be used is told, and the others are tried.
+    report_options go_on({b.c_str(), a.c_str()}, KRD_OPT_CONTINUE);
+    err = capture_stderr([&] {
+        EXPECT_EQ(handle_sigsymb_file(nullptr, &go_on.o), 0);
+        EXPECT_EQ(load(&go_on.o, "OTHER_FAMILY"), -5);
+        EXPECT_EQ(go_on.o.zip_current, 1);
+        // Told, then looked for in the others: the last result counts.
+        EXPECT_EQ(load(&go_on.o, "NO_TABLES"), -4);
+        EXPECT_EQ(go_on.o.zip_current, 0);
+        EXPECT_EQ(go_on.o.sigsym_failed, 0u);
+    });
+    EXPECT_EQ(err,
+              "Error: Corrupt format in a signal table.\n"
+              "Error: No signal tables exists in the signal symbol file.\n");
+    deleteSsmDataBase();
+}
+
+TEST(SignalArchiveManager, FailedSelectionsStopTheReportUnlessToldToGoOn) {
+    scratch_dir dir;
+    const std::string dup = dir.archive("dup.zip", members_b);
+    dir.repeat_name(dup, 1);
+    dir.write("bad.zip", {'n', 'o'});
+    const std::string bad = dir / "bad.zip";
+    const std::string a = dir.archive("a.zip", members_a);
+    const std::string twice_dup = std::string("Error: Not all signal symbol file names are unique in the zip archive.\n") +
+                                  "Error: Not all signal symbol file names are unique in the zip archive.\n";
+    const std::string twice_bad =
+        std::string("Error: Problems accessing the zip archive.\n") + "Error: Problems accessing the zip archive.\n";
+
+    report_options stop({dup.c_str()});
+    EXPECT_EQ(capture_stderr([&] { EXPECT_EQ(handle_sigsymb_file(nullptr, &stop.o), -1); }), twice_dup);
+    EXPECT_EQ(stop.o.sigsym_failed, 1u);
+
+    report_options go_on({dup.c_str()}, KRD_OPT_CONTINUE);
+    EXPECT_EQ(capture_stderr([&] { EXPECT_EQ(handle_sigsymb_file(nullptr, &go_on.o), 0); }), twice_dup);
+    EXPECT_EQ(go_on.o.sigsym_failed, 0u);
+    EXPECT_EQ(load(&go_on.o, "LQZ_B"), 0);
+
+    // Switching to an archive that cannot be read.
+    report_options switching({a.c_str(), bad.c_str(), a.c_str()});
+    std::string err = capture_stderr([&] {
+        EXPECT_EQ(handle_sigsymb_file(nullptr, &switching.o), 0);
+        EXPECT_EQ(load(&switching.o, "LQZ_B"), -2);
+    });
+    EXPECT_EQ(err, twice_bad);
+    EXPECT_EQ(switching.o.sigsym_failed, 1u);
+
+    // With -c it goes on to the next, where an unreadable archive's
+    // members are not found (-1) and the next archive is tried.
+    report_options past({a.c_str(), bad.c_str(), dup.c_str()}, KRD_OPT_CONTINUE);
+    err = capture_stderr([&] {
+        EXPECT_EQ(handle_sigsymb_file(nullptr, &past.o), 0);
+        EXPECT_EQ(load(&past.o, "LQZ_B"), 0);
+        EXPECT_EQ(past.o.zip_current, 2);
+    });
+    EXPECT_EQ(err, twice_bad + twice_dup);
+    EXPECT_EQ(past.o.sigsym_failed, 0u);
+    deleteSsmDataBase();
+}
+
+// A signal of many values leaves through the report's character sink,
+// which writes its block whenever 4095 characters are in it.
+TEST(SignalArchiveManager, LongSignalThroughTheReportSink) {
+    scratch_dir dir;
+    const std::string zip = dir.archive("a.zip", members_a + std::string(R"(
+member LQZ_LONG
+table long
+signal MANY 0x300 {
+    uint sig_no
+    uint v[1]
+}
+)"));
+    ASSERT_EQ(ssmSelectArchive(zip.c_str(), &heap), 0);
+    ASSERT_EQ(ssmLoad("LQZ_LONG"), 0);
+    std::vector<uint8_t> sig = be(0x300);
+    std::string expected = "Signal MANY:\n\n00000000: sig_no = 0x300";
+    for (uint32_t i = 0; i < 400; i++) {
+        auto v = be(i * 7);
+        sig.insert(sig.end(), v.begin(), v.end());
+        char line[64];
+        std::snprintf(line, sizeof line, "\n%08X: v[%u] = 0x%x", 4 + 4 * i, i, i * 7);
+        expected += line;
+    }
+    ASSERT_GT(expected.size(), 2 * 4095u);
+    krd_signal_record r;
+    r.lmid = "LQZ_LONG";
+    r.data = sig.data();
+    r.size = uint32_t(sig.size());
+    EXPECT_EQ(capture([&](FILE* f) { print_signal(f, &r, "FROM x", 6); }), "  FROM x\n" + expected + "\n\n");
+    deleteSsmDataBase();
+}
+
+}  // namespace
