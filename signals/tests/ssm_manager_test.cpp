@@ -50,9 +50,10 @@ signal A2_SIG 0x100 {
 )";
 
 std::vector<uint8_t> be(uint32_t signo, std::vector<uint8_t> rest = {}) {
-    std::vector<uint8_t> v = {uint8_t(signo >> 24), uint8_t(signo >> 16), uint8_t(signo >> 8), uint8_t(signo)};
-    v.insert(v.end(), rest.begin(), rest.end());
-    return v;
+    // Built in place: g++ -O3 misreads an insert behind a four-byte list.
+    rest.insert(rest.begin(), 4, 0);
+    for (int i = 0; i < 4; i++) rest[size_t(i)] = uint8_t(signo >> (24 - 8 * i));
+    return rest;
 }
 
 std::string print(const char* lmid, const std::vector<uint8_t>& signal) {
