@@ -36,19 +36,23 @@ bool current_is(const decoder& s, nexus_role role) {
     return !past_last_field(s) && s.msg->fields[s.f].role == role;
 }
 
-// Writes beyond the array are dropped; the spare entry makes them rare.
+// Words behind the last field still go through the steps, whose masks may
+// complain, but write nowhere. Writes beyond the value array are dropped;
+// the spare entry makes them rare.
 void set_value(decoder& s, uint8_t index, uint32_t v) {
-    if (index < NEXUS_VALUE_WORDS) current(s).value[index] = v;
+    if (!past_last_field(s) && index < NEXUS_VALUE_WORDS) current(s).value[index] = v;
 }
 void or_value(decoder& s, uint8_t index, uint32_t v) {
-    if (index < NEXUS_VALUE_WORDS) current(s).value[index] |= v;
+    if (!past_last_field(s) && index < NEXUS_VALUE_WORDS) current(s).value[index] |= v;
 }
 
 // Places fields into a word until it is used up or a field stays open.
 void placing_loop(decoder& s, uint32_t d, uint32_t mseo) {
     for (;;) {
+        // No field is open behind the last one, so this is also the bound of
+        // the open field's index.
+        if (past_last_field(s)) return;
         if (!s.in_fixed && !s.in_var) {
-            if (past_last_field(s)) return;
             if (current(s).bits < 1) {
                 s.in_var = true;
                 s.var_bits = 0;
@@ -149,8 +153,6 @@ int get_msg_field_values(nexus_msg* msg, std::span<const uint32_t> words) {
     placing_loop(s, nexus_payload(words[0]), nexus_mseo(words[0]));
 
     for (uint32_t word : words.subspan(1)) {
-        // Every write goes to the current field, and f only grows.
-        if (past_last_field(s)) break;
         const uint32_t d = nexus_payload(word);
         switch (nexus_mseo(word)) {
         case 2:

@@ -91,6 +91,18 @@ TEST(NexusDecode, ProcessIdentity) {
     EXPECT_EQ(value(m, "TSTAMP", 0), 0u);
     EXPECT_EQ(value(m, "TSTAMP", 1), 0xFu);                    // bits 14-17
     EXPECT_EQ(value(m, "TSTAMP", 2), (d2 & 0x3FFC0000) << 18);  // bits 18-29, shifted out but two
+
+    // 0, 0, 1, 1, 3: the identity has taken 44 bits when the tails come, and
+    // each tail asks for a mask up to bit 32 - 44: a complaint and no bits,
+    // also from the word behind the last field.
+    testing::internal::CaptureStderr();
+    m = decode({head(2, 0, at(5, 12) | at(0x11, 16), 0), word(0x3FFFFFFF, 0), word(0x7FFFF, 1), word(0x7FFFF, 1),
+                word(0x7FFFF, 3)});
+    const std::string complaint = "Invalid start or stop index found !!!";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), complaint + complaint + complaint);
+    EXPECT_EQ(value(m, "PROCESS_ID", 0), 0xFu);  // bits 14-17 of the second word replace the first word's
+    EXPECT_EQ(value(m, "PROCESS_ID", 1), 0u);
+    EXPECT_EQ(value(m, "PROCESS_ID", 2), 0u);
 }
 
 TEST(NexusDecode, ErrorMessage) {
