@@ -98,10 +98,9 @@ void proc_list_find(const proc_list_file& file, const char* text, std::vector<ui
 }
 
 std::string proc_list_first_word(const std::string& line) {
-    auto space = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-    size_t start = 0;
-    while (start < line.size() && space(line[start])) start++;
-    size_t end = start;
-    while (end < line.size() && !space(line[end])) end++;
+    // Blanks alone part the words: a tab stays in the word, and so does the
+    // line end of a line with one word.
+    const size_t start = std::min(line.find_first_not_of(' '), line.size());
+    const size_t end = std::min(line.find(' ', start), line.size());
     return line.substr(start, end - start);
 }

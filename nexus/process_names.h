@@ -20,5 +20,5 @@ bool proc_list_read(const char* path, proc_list_file* file);
 void proc_list_build_index(proc_list_file* file);
 // The lines that hold text anywhere, in file order.
 void proc_list_find(const proc_list_file& file, const char* text, std::vector<uint32_t>* lines);
-// A line's first stretch without white space.
+// A line's first stretch without blanks.
 std::string proc_list_first_word(const std::string& line);

@@ -32,11 +32,12 @@ using names = std::vector<std::string>;
 
 TEST(ProcessNames, LinesAsTheReaderCutsThem) {
     std::string text =
-        "  \"ose_main\"    prioritized 0x00010001 0x00010001 basic\n"
+        "  \"ose_main\"\tprioritized 0x00010001 0x00010001 basic\n"
         "  \"ctrl_main\"   prioritized 0x00010020 0x00010023 ctrl\n"
         "  \"link\" \\\n"
         "                prioritized 0x00010020 0x00010024 ctrl\n"
-        "  \"upper\"       prioritized 0x00010020 0x0001ABCD ctrl\n";
+        "  \"upper\"       prioritized 0x00010020 0x0001ABCD ctrl\n"
+        "  0x00010066\n";
     // A line of 600 characters: the reader takes 511, and the rest is a line
     // of its own whose first word is where it was cut.
     text += "  \"long\" " + std::string(502, 'x') + "tail 0x00010099 " + std::string(70, ' ') + "\n";
@@ -44,8 +45,8 @@ TEST(ProcessNames, LinesAsTheReaderCutsThem) {
     text += std::string("  \"zero\" ") + '\0' + " 0x00010077\n";
     text += "  \"last\" 0x00010055";
     proc_list_file file = read_list(text);
-    ASSERT_EQ(file.lines.size(), 9u);
-    EXPECT_EQ(file.lines[5].size(), 511u);
+    ASSERT_EQ(file.lines.size(), 10u);
+    EXPECT_EQ(file.lines[6].size(), 511u);
 
     proc_list_build_index(&file);
     EXPECT_FALSE(file.index.empty());
@@ -56,7 +57,9 @@ TEST(ProcessNames, LinesAsTheReaderCutsThem) {
     EXPECT_EQ(names_of(file, "10077"), names{});
     EXPECT_EQ(names_of(file, "1abcd"), names{});
     EXPECT_EQ(names_of(file, "10055"), names{"\"last\""});
-    EXPECT_EQ(names_of(file, "00010001"), names{"\"ose_main\""});  // a leading zero: searched line by line
+    // Words end at blanks only: a tab and a line end are part of them.
+    EXPECT_EQ(names_of(file, "00010001"), names{"\"ose_main\"\tprioritized"});  // a leading zero: searched line by line
+    EXPECT_EQ(names_of(file, "10066"), names{"0x00010066\n"});
 }
 
 // The index answers what a search of every line answers, for every identity
