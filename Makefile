@@ -25,10 +25,11 @@ build/build.ninja: Makefile
 build: setup build/build.ninja
 	cmake --build build -j $(JOBS)
 
-# Only what the report needs: no tests, no fixtures.
+# Only what the report needs: no tests, no fixtures. examples/all holds the
+# example's symbol file and its signal symbol archive.
 run: setup build/build.ninja
 	cmake --build build -j $(JOBS) --target krd examples/all
-	@build/krd -m build/examples/LQZ1234567_R1A.elf build/examples/example.pmd
+	@build/krd -m build/examples/LQZ1234567_R1A.elf -z build/examples/sigs.zip build/examples/example.pmd
 
 test: build
 	cd build && ctest -j $(JOBS) --output-on-failure

@@ -10,12 +10,15 @@ hex 7f 45 4c 46 01 02 01 00
 fill 56 0
 table ctrl_app order=big
 
-# A port's link went down; the signal blocks of the example carry it.
+# Texts are described as one value of the buffer's size: the report prints
+# a text array once per element, each time from that element on.
+
+# A port's link went down: the link supervision tells ctrl_main.
 signal CTRL_LINK_LOST_IND 0x105 {
     uint sig_no
     uint reporter format="0x%08x"
     uint fault
-    char reason[12] text
+    char reason size=12 text @12
 }
 
 signal CTRL_RESTART_REQ 0x106 {
@@ -53,7 +56,7 @@ signal SENSOR_SAMPLE_IND 0x1002 {
 
 # The controller's state, with counters that are read either as one word
 # or as two halves.
-signal CTRL_STATUS_IND 0x1003 {
+signal CTRL_STATUS_IND 0x1003 size=28 {
     uint sig_no
     enum state values=BOOTING:0,RUNNING:1,DEGRADED:2,FAILED:3
     union value {
@@ -64,7 +67,7 @@ signal CTRL_STATUS_IND 0x1003 {
         }
     }
     uchar io_map[2][4]
-    char unit_name[8]
+    char unit_name size=8 text @20
 }
 
 # The basic OS segment.
