@@ -161,6 +161,11 @@ TEST(SignalTable, Lookups) {
     EXPECT_EQ(name, "FIRST");
     EXPECT_EQ(check_endian(second), 0);
 
+    // No table at all.
+    EXPECT_EQ(sigdb_signo_size({}), 0);
+    EXPECT_EQ(sigdb_get_sig_no({}, signal), 0u);
+    EXPECT_EQ(sigdb_check_endian({}), 3);
+
     // Every structure of one member: no place for a number.
     built single = build(table_text("s", "big", "signal ONE 1 {\n uint only\n}\n"));
     ASSERT_EQ(single.reformat(), 0);
