@@ -67,10 +67,12 @@ struct trace_record {
         if (!c.ok()) ok = false;
         return v;
     }
-    // A zero-terminated text, cut at the end of the body.
+    // A zero-terminated text, cut at the end of the body and after 255
+    // characters: every event prints the names it meets, so a long name
+    // would make a damaged trace's report grow with the square of its size.
     std::string text(size_t offset) {
         std::string s;
-        for (size_t i = body + offset; i < body_end && data[i] != 0; i++) s += char(data[i]);
+        for (size_t i = body + offset; i < body_end && data[i] != 0 && s.size() < 255; i++) s += char(data[i]);
         return s;
     }
     // n bytes at the offset, or none and the walk ends.
