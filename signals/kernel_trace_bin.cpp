@@ -1,5 +1,6 @@
 // The OSE kernel's event trace in binary form, carried by a signal block:
 // records of a length word and a body, one paragraph per event.
+#include <algorithm>
 #include <memory>
 
 #include "pmd/byte_cursor.h"
@@ -50,15 +51,17 @@ enum : uint32_t {
 
 namespace {
 
-// The fields of one record, read from its body on. The fixed fields are
-// read where the record says, even past a short body, but never outside the
-// trace's data: a field that is not there ends the walk. A name and a
-// signal's bytes belong to their record and must lie inside its body, so
-// that no byte of the trace is read or printed again for every record.
+// The fields of one record, read from its body on. A record is believed:
+// its fields, its name and its signal's bytes are read where it says, even
+// past a short body, but never outside the trace's data; what is not there
+// ends the walk. A name is kept to 255 characters, and all records together
+// may print no more bytes from outside their own bodies than the trace
+// holds: a damaged trace cannot print its bytes again for every record.
 struct trace_record {
     std::span<const uint8_t> data;
     size_t body;
     size_t body_end;
+    uint64_t* foreign;  // bytes from outside their records still to print
     bool ok = true;
 
     uint32_t word(size_t offset) {
@@ -67,19 +70,24 @@ struct trace_record {
         if (!c.ok()) ok = false;
         return v;
     }
-    // A zero-terminated text, cut at the end of the body.
     std::string text(size_t offset) {
         std::string s;
-        for (size_t i = body + offset; i < body_end && data[i] != 0; i++) s += char(data[i]);
+        for (size_t i = body + offset; i < data.size() && data[i] != 0 && s.size() < 255; i++) s += char(data[i]);
         return s;
     }
-    // n bytes at the offset, or none and the walk ends.
     std::span<const uint8_t> bytes(uint64_t offset, uint64_t n) {
-        if (offset > body_end - body || n > body_end - body - offset) {
+        const uint64_t at = body + offset;
+        if (at > data.size() || n > data.size() - at) {
             ok = false;
             return {};
         }
-        return data.subspan(body + size_t(offset), size_t(n));
+        const uint64_t inside = at < body_end ? std::min<uint64_t>(n, body_end - at) : 0;
+        if (n - inside > *foreign) {
+            ok = false;
+            return {};
+        }
+        *foreign -= n - inside;
+        return data.subspan(size_t(at), size_t(n));
     }
 };
 
@@ -93,8 +101,8 @@ struct name_of {
     }
 };
 
-// One event into the buffer. False: a field lies beyond the data or the
-// signal beyond its record, and nothing of the event is printed.
+// One event into the buffer. False: a field or the signal lies beyond the
+// data, and nothing of the event is printed.
 bool print_event(out_buffer& out, trace_record& r, uint32_t kind) {
     uint32_t sequence = r.word(4), ticks = r.word(8), steps = r.word(12);
     if (!r.ok) return false;
@@ -152,11 +160,12 @@ bool print_event(out_buffer& out, trace_record& r, uint32_t kind) {
 void print_trace_sect(FILE* stream, std::span<const uint8_t> data) {
     auto out = std::make_unique<out_buffer>(stream);
     size_t pos = 0;
+    uint64_t foreign = data.size();
     while (pos < data.size()) {
         be_cursor c(data, pos);
         uint32_t length = c.u32();
         if (!c.ok() || length > c.remaining()) break;
-        trace_record r{data, pos + 4, pos + 4 + size_t(length)};
+        trace_record r{data, pos + 4, pos + 4 + size_t(length), &foreign};
         uint32_t kind = r.word(0);
         if (!r.ok) break;
         if (kind == trace_end) return;

@@ -76,7 +76,8 @@ sig_format sig_check_format(std::string_view f) {
         }
         r.text[n++] = conv;
     }
-    if (conversions != 1) return sig_format{};
+    if (conversions > 1 || n == 0) return sig_format{};
+    if (conversions == 0) r.kind = sig_format::PLAIN;
     r.text[n] = '\0';
     return r;
 }

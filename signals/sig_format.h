@@ -11,12 +11,16 @@
 inline constexpr size_t SIG_FORMAT_MAX = 200;  // longest format accepted
 
 struct sig_format {
-    enum kind_t { NONE, INTEGER, FLOATING } kind = NONE;
-    // INTEGER: the conversion reads "ll" (or is "c"); FLOATING: a double.
+    enum kind_t { NONE, INTEGER, FLOATING, PLAIN } kind = NONE;
+    // INTEGER: the conversion reads "ll" (or is "c"); FLOATING: a double;
+    // PLAIN: no conversion, the text alone whatever the value.
     char text[SIG_FORMAT_MAX * 2 + 8];  // valid when kind is not NONE
     int bits = 32;  // how much of the value the format's own length keeps
     bool is_signed = false;
     bool is_char = false;
+
+    bool takes_integer() const { return kind == INTEGER || kind == PLAIN; }
+    bool takes_floating() const { return kind == FLOATING || kind == PLAIN; }
 };
 
 // NONE when the format is not one we print with.

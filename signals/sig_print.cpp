@@ -121,7 +121,7 @@ static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format
         }
         return;
     }
-    if (f.kind == sig_format::INTEGER) {
+    if (f.takes_integer()) {
         for (uint32_t i = 0; i < count; i++) put_with_format(ctx, f, element(i), 8, v.type);
         return;
     }
@@ -145,7 +145,7 @@ static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format
 static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format& f, const uint8_t* at) {
     const unsigned size = v.size;
     const uint64_t value = read_value(at, size, v.swap);
-    const bool integer_format = f.kind == sig_format::INTEGER;
+    const bool integer_format = f.takes_integer();
     switch (v.type) {
     case 0:
         if (integer_format) put_with_format(ctx, f, value, size == 4 ? 32 : 16, v.type);
@@ -160,7 +160,7 @@ static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format
     case 9: case 10: case 11:
         if (size != 4 && size != 8) {
             put_float_bytes(ctx, at, size, v.swap);
-        } else if (f.kind == sig_format::FLOATING) {
+        } else if (f.takes_floating()) {
             ctx->put_char(' ');
             sig_format_floating(f, read_float(at, size, v.swap), ctx->buffer, SSM_PRINT_BUFFER);
             ssmPutString(ctx->buffer, ctx->put_char);

@@ -75,8 +75,7 @@ inline void sig_name_clear(char* name, uint32_t pos) {
 
 // An array's step: the element size times the dimensions behind a level,
 // kept below 2^40 (no signal is that long). 0 when a dimension is not
-// positive: such an array has nothing to walk. dims holds count entries,
-// at most SIG_WALK_DEPTH.
+// positive. dims holds count entries, at most SIG_WALK_DEPTH.
 inline int64_t sig_array_step(uint32_t element_size, const int16_t* dims, uint32_t count, uint32_t level) {
     int64_t step = element_size;
     for (uint32_t k = level + 1; k < count; k++) {
@@ -128,7 +127,8 @@ uint32_t sig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint
     int16_t dims[SIG_WALK_DEPTH];
     if (level >= v.dimensions || !Family::dims(w, v, dims)) return v.at;
     const int64_t step = sig_array_step(v.size, dims, v.dimensions, level);
-    if (step <= 0) return v.at;
+    // A run-time length needs elements of some size to count.
+    if (step <= 0 && variable == 1) return v.at;
     int64_t n = dims[level];
     int64_t left = size;
     if (variable == 1) n = (left + step - 1) / step;
@@ -149,7 +149,8 @@ uint32_t sig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint
             sig_walk_array<Family>(w, v, data, part, behind, 0, level + 1);
         } else if (w.compress == 1) {
             sig_name_index(w.name, position, "[0-%lld]", n - 1);
-            if (v.size <= left) Family::emit(w, v, data, uint32_t(left / v.size) & Family::count_mask, row_end);
+            if (v.size <= left && v.size != 0)
+                Family::emit(w, v, data, uint32_t(left / v.size) & Family::count_mask, row_end);
             break;
         } else {
             sig_name_index(w.name, position, "[%lld]", i);

@@ -74,6 +74,7 @@ bool sigdb_find_last_member(sig_table table, uint32_t first, vardesc* last) {
 }
 
 int sigdb_signo_size(sig_table table) {
+    if (table.at == SIG_NULL) return 0;
     const sig_pool sigs = sig_pool_of(table, POOL_SIGDESC);
     const sig_pool vars = sig_pool_of(table, POOL_VARDESC);
     if (sigs.size == 0 || vars.size == 0) return 4;
@@ -239,14 +240,15 @@ static uint32_t sigdb_walk_members(sig_walk& w, uint32_t first, const uint8_t* d
         if (size == 0) return i;
         const int last_variable = (r.flags & VAR_LAST) ? variable : 0;
         if (r.type == SIG_TYPE_STRUCT || r.type == SIG_TYPE_UNION) {
-            // A structure's own list may stand in line behind it: go on
-            // behind that list, whether or not its bytes are there.
-            uint32_t behind = r.at;
-            if (r.offset < size)
-                behind = sigdb_walk_struct(w, r, data + r.offset, size - r.offset, position, last_variable, 0);
-            else if (r.link != SIGDB_NO_LINK)
-                behind = sigdb_list_end(w.table, r.link, &w.budget);
-            if (behind != SIG_NULL && behind > i) i = behind;
+            // A structure walked goes on behind its own list when that
+            // stands in line. One whose bytes are not there is not walked,
+            // and the records of its list follow here as members of this
+            // list, over this list's bytes.
+            if (r.offset < size) {
+                const uint32_t behind =
+                    sigdb_walk_struct(w, r, data + r.offset, size - r.offset, position, last_variable, 0);
+                if (behind != SIG_NULL && behind > i) i = behind;
+            }
         } else {
             const uint32_t end = sig_name_put(w.name, position, sig_member_name(w, r));
             if (r.dimensions == 0) {

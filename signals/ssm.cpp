@@ -226,20 +226,25 @@ static int ssmReadFile(SsmFile* f) {
         unzClose(zip);
         return SSM_ARCHIVE_ERROR;
     }
-    // A size the entry cannot inflate to would never be read whole.
-    if (f->image_size > f->entry->size_bound) {
-        unzClose(zip);
-        return SSM_SHORT_READ;
+    // A size the entry cannot inflate to would never be read whole: no
+    // block is taken for it, and once the entry opens, it is a short read.
+    const bool can_fill = f->image_size <= f->entry->size_bound;
+    if (can_fill) {
+        if (!ssmAllocImage(f)) {
+            unzClose(zip);
+            return SSM_NO_MEMORY;
+        }
+        std::memset(f->image, 0, std::max<size_t>(f->image_size, 1));
     }
-    if (!ssmAllocImage(f)) {
-        unzClose(zip);
-        return SSM_NO_MEMORY;
-    }
-    std::memset(f->image, 0, std::max<size_t>(f->image_size, 1));
     if (unzOpenCurrentFile(zip) != UNZ_OK) {
         unzClose(zip);
-        ssmFreeFile(f);
+        if (can_fill) ssmFreeFile(f);
         return SSM_ARCHIVE_ERROR;
+    }
+    if (!can_fill) {
+        unzCloseCurrentFile(zip);
+        unzClose(zip);
+        return SSM_SHORT_READ;
     }
     uint32_t got = 0;
     while (got < f->image_size) {
@@ -456,11 +461,13 @@ int load_sigsymb_file(FILE*, const krd_signal_record* record, krd_options* optio
     if (!(options->flags & KRD_OPT_ZIP) || !record->lmid || record->size == 0) return 1;
     const char* lmid = record->lmid;
     int r = ssmLoad(lmid);
+    if (r == SSM_OK) return 0;
+    // A load that succeeds only on the retry does not end the search: the
+    // other archives are still tried, and the last result is returned.
     if (r == SSM_NO_MEMORY) {
         ssmUnloadAll();
         r = ssmLoad(lmid);
     }
-    if (r == SSM_OK) return 0;
     if (load_failure(r) && told_and_stopped(r, false, options)) return r;
     // The selected archive first, then the others in the order given.
     const int skip = options->zip_current;

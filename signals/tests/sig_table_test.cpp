@@ -161,6 +161,11 @@ TEST(SignalTable, Lookups) {
     EXPECT_EQ(name, "FIRST");
     EXPECT_EQ(check_endian(second), 0);
 
+    // No table at all.
+    EXPECT_EQ(sigdb_signo_size({}), 0);
+    EXPECT_EQ(sigdb_get_sig_no({}, signal), 0u);
+    EXPECT_EQ(sigdb_check_endian({}), 3);
+
     // Every structure of one member: no place for a number.
     built single = build(table_text("s", "big", "signal ONE 1 {\n uint only\n}\n"));
     ASSERT_EQ(single.reformat(), 0);
@@ -188,6 +193,21 @@ TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
     sink.clear();
     EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 6, 0, sink_put, nullptr, nullptr, 0), 0);
     EXPECT_EQ(sink, "Signal <SIGNAL_SYMBOL_NAME>:\n\n00000000: (unsigned int) = 0x31\n00000004: (unknown type) = 0xabcd ...");
+}
+
+// Odd but harmless descriptions: an array of elements of size 0 is one
+// element wide, a format without a conversion prints its text.
+TEST(SignalTable, ElementsOfSizeZeroAndFormatsWithoutConversion) {
+    built b = build(table_text("t", "big", "signal Z 0x51 {\n uint sig_no\n int z[3] size=0\n"
+                                           " ushort spare format=\"n/a\"\n}\n"));
+    ASSERT_EQ(b.reformat(), 0);
+    const std::vector<uint8_t> signal = {0, 0, 0, 0x51, 0, 9, 0, 0};
+    for (int compress : {0, 1}) {
+        sink.clear();
+        EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 8, compress, sink_put, nullptr, nullptr, 0), 0);
+        EXPECT_EQ(sink, std::string("Signal Z:\n\n00000000: sig_no = 0x51\n") +
+                            (compress ? "" : "00000004: z[0] = 0x0\n") + "00000004: spare = n/a");
+    }
 }
 
 // A text ends at its zero, at its member's end, or after 1023 characters.
@@ -343,7 +363,12 @@ TEST(SignalFormat, OnlyOneFittingConversion) {
     sig_format_floating(f, 1.5, out, sizeof out);
     EXPECT_EQ(std::string(out), "  1.50 s");
     EXPECT_EQ(sig_check_format("%Lg").kind, sig_format::FLOATING);
-    for (const char* bad : {"%s", "%n", "%p", "%*d", "%.*d", "%d%d", "%256d", "%.999f", "plain", "%%", "50%",
+    // Without a conversion the text stands for any value.
+    const sig_format plain = sig_check_format("n/a 100%%");
+    ASSERT_EQ(plain.kind, sig_format::PLAIN);
+    sig_format_integer(plain, 7, 32, false, out, sizeof out);
+    EXPECT_EQ(std::string(out), "n/a 100%");
+    for (const char* bad : {"%s", "%n", "%p", "%*d", "%.*d", "%d%d", "%256d", "%.999f", "", "50%",
                             "%hf", "%Ld", "%1$d", "%lc%", "%q"})
         EXPECT_EQ(sig_check_format(bad).kind, sig_format::NONE) << bad;
     EXPECT_EQ(sig_check_format(std::string_view()).kind, sig_format::NONE);

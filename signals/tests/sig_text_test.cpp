@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "signals/kernel_trace_bin.h"
 #include "signals/sig_text.h"
+#include "tests/capture.h"
 
 namespace {
 
@@ -141,6 +143,19 @@ TEST_F(PidTable, GrowsPastItsFirstRowsAndFindsTheFirstRowOfAPid) {
     // Pids 0x1000 to 0x11f3 come again in block "second": the first row counts.
     EXPECT_EQ(lmid_of(0x1000), "first");
     EXPECT_EQ(lmid_of(0x1000 + 499), "first");
+}
+
+// A process name is kept to 255 characters however long its record.
+TEST(BinaryTrace, LongNamesAreCut) {
+    std::vector<uint8_t> trace;
+    auto word = [&](uint32_t w) {
+        for (int i = 3; i >= 0; i--) trace.push_back(uint8_t(w >> (8 * i)));
+    };
+    for (uint32_t w : {32u + 400, 39216u, 7u, 0u, 0u, 0u, 0u, 0u, 0u}) word(w);
+    trace.insert(trace.end(), 400, 'n');
+    for (uint32_t w : {32u, 39219u, 1u, 2u, 3u, 0u, 0u, 0u, 7u}) word(w);
+    EXPECT_EQ(capture([&](FILE* f) { print_trace_sect(f, trace); }),
+              "\n(1) Ticks: 2   Steps: 3 \nEvent: Create process " + std::string(255, 'n') + "\n");
 }
 
 }  // namespace

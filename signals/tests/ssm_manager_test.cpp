@@ -67,7 +67,20 @@ size_t refuse_above = 0;
 void* picky_alloc(size_t n) { return n > refuse_above ? nullptr : std::malloc(n); }
 const SsmAllocators picky = {picky_alloc, std::free};
 
-void patch_sizes(const std::string& zip, uint32_t grow) {
+// An allocator that refuses the next blocks of member images.
+int refuse_images = 0;
+void* flaky_alloc(size_t n) {
+    if (n >= 300 && refuse_images > 0) {
+        refuse_images--;
+        return nullptr;
+    }
+    return std::malloc(n);
+}
+const SsmAllocators flaky = {flaky_alloc, std::free};
+
+// Grows the first entry's uncompressed size; a method, when given,
+// replaces its compression method.
+void patch_sizes(const std::string& zip, uint32_t grow, int method = -1) {
     std::fstream f(zip, std::ios::in | std::ios::out | std::ios::binary);
     std::vector<uint8_t> b((std::istreambuf_iterator<char>(f)), {});
     auto u32 = [&](size_t at) { return uint32_t(b[at] | b[at + 1] << 8 | b[at + 2] << 16 | uint32_t(b[at + 3]) << 24); };
@@ -79,6 +92,10 @@ void patch_sizes(const std::string& zip, uint32_t grow) {
     const size_t central = u32(eocd + 16);
     put(22, u32(22) + grow);
     put(central + 24, u32(central + 24) + grow);
+    if (method >= 0) {
+        b[8] = b[central + 10] = uint8_t(method);
+        b[9] = b[central + 11] = 0;
+    }
     f.seekp(0);
     f.write(reinterpret_cast<const char*>(b.data()), std::streamsize(b.size()));
 }
@@ -173,6 +190,14 @@ TEST(SignalArchiveManager, ArchivesThatLie) {
     EXPECT_EQ(print("LQZ_B", {0, 2, 0, 0, 'a', 'b', 'c', 0}),
               "Signal B_SIG:\n\n00000000: sig_no = 0x200\n00000004: tag[0] = 0x61\n00000005: tag[1] = 0x62\n"
               "00000006: tag[2] = 0x63\n00000007: tag[3] = 0x0");
+
+    // A member that cannot be opened (a method nobody inflates) is an
+    // access problem, even where its size is more than it could inflate to.
+    const std::string lzma = dir.archive("lzma.zip", members_b);
+    patch_sizes(lzma, 1u << 26, 14);
+    ASSERT_EQ(ssmSelectArchive(lzma.c_str(), &heap), 0);
+    EXPECT_EQ(ssmLoad("LQZ_B"), -2);
+    EXPECT_EQ(ssmInfo()[0].first, 2 * sizeof(SsmFile));
     deleteSsmDataBase();
 }
 
@@ -220,6 +245,18 @@ TEST(SignalArchiveManager, FindsMembersAcrossArchives) {
         EXPECT_EQ(load(o, "NOWHERE"), -4);
         EXPECT_EQ(o->zip_current, 1);
         EXPECT_EQ(o->sigsym_failed, 0u);
+        // A load that succeeds on the retry after memory ran out does not
+        // end the search: the other archives are tried, the last decides.
+        ASSERT_EQ(ssmSelectArchive(a.c_str(), &flaky), 0);
+        o->zip_current = 0;
+        refuse_images = 1;
+        EXPECT_EQ(load(o, "LQZ_A"), 0);
+        EXPECT_EQ(o->zip_current, 1);
+        EXPECT_EQ(print("LQZ_A", be(0x100, {0, 0, 0, 1})), "Signal A2_SIG:\n\n00000000: sig_no = 0x100\n00000004: x = 0x1");
+        ASSERT_EQ(ssmSelectArchive(b.c_str(), &flaky), 0);
+        refuse_images = 1;
+        EXPECT_EQ(load(o, "LQZ_B"), -4);
+        EXPECT_EQ(o->zip_current, 0);
         // Nothing to do.
         EXPECT_EQ(load(o, nullptr), 1);
         EXPECT_EQ(load(o, "LQZ_B", 0), 1);

@@ -54,6 +54,7 @@ signal NESTED 0x1004 {
         uint a
         uint b
     }
+    uint tail
 }
 table extra order=)" + order + R"(
 signal PING 0x2001 {
@@ -169,8 +170,11 @@ TEST_P(SignalArchive, PrintsWholeSignals) {
     // Shorter: the members that fit, then " ...".
     status.resize(7);
     EXPECT_EQ(print(lm, status), "Signal STATUS:\n\n00000000: sig_no = 0x1003\n00000004: state = 5 ...");
-    // A structure wholly beyond the bytes shows nothing of its members.
-    EXPECT_EQ(print(lm, fields(big, {{4, 0x1004}})), "Signal NESTED:\n\n00000000: sig_no = 0x1004 ...");
+    // A structure wholly beyond the bytes is not walked; the records of its
+    // list, standing in line, are then taken as members of the signal
+    // itself, over the signal's own bytes.
+    EXPECT_EQ(print(lm, fields(big, {{4, 0x1004}})),
+              "Signal NESTED:\n\n00000000: sig_no = 0x1004\n00000000: a = 0x1004 ...");
     EXPECT_EQ(print(lm, fields(big, {{4, 0x1004}, {4, 1}, {2, 0}})),
               "Signal NESTED:\n\n00000000: sig_no = 0x1004\n00000004: inner.a = 0x1 ...");
 
