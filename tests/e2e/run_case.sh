@@ -14,6 +14,8 @@
 #   status      expected exit status (optional, default: 0)
 #   files/      further files expected in the work folder afterwards (optional)
 #   absent      names of files that must not exist afterwards, one per line (optional)
+# In the expected files a line "@header@" stands for the report's header
+# lines and "@usage@" for the usage text, both kept once in shared/.
 # krd runs in a fresh work folder with "krd" as its argv[0].
 set -u
 KRD=$1 MKPMD=$2 CASE=$3 WORK=$4
@@ -47,11 +49,25 @@ fi
   exec -a krd "$KRD" "${args[@]}" ) > out.stdout 2> out.stderr
 echo $? > out.status
 
+shared=$(dirname "$0")/shared
+expand() {  # expected file -> stdout, the shared lines put in
+    awk -v header="$shared/header" -v usage="$shared/usage" '
+        function put(f,  line) { while ((getline line < f) > 0) print line; close(f) }
+        $0 == "@header@" { put(header); next }
+        $0 == "@usage@" { put(usage); next }
+        { print }' "$1"
+}
+
 fail=0
 compare() {  # expected actual label
-    if ! cmp -s "$1" "$2"; then
+    local want=$1
+    if grep -qx -e '@header@' -e '@usage@' "$1" 2>/dev/null; then
+        want=$WORK/.expected
+        expand "$1" > "$want"
+    fi
+    if ! cmp -s "$want" "$2"; then
         echo "--- $3 differs (expected vs actual):"
-        diff -u "$1" "$2" | head -200
+        diff -u "$want" "$2" | head -200
         fail=1
     fi
 }
