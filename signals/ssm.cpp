@@ -8,7 +8,10 @@
 // listing, and the outcome of each member load: the result, and for a
 // usable member its image as the reformatting left it. Reformatting is
 // deterministic, so a load from what was kept gives the same results,
-// messages and report as reading the member anew.
+// messages and report as reading the member anew. A reformatted image is
+// only read, so a later load lends the kept one to the member instead of
+// copying it. The member still takes its block, untouched, so that memory
+// runs out and is counted exactly as with a fresh read.
 #include "signals/ssm.h"
 
 #include <sys/stat.h>
@@ -117,8 +120,8 @@ static bool ssmCreateFiles() {
 }
 
 static void ssmFreeFile(SsmFile* f) {
-    if (f->image) db.alloc.release(f->image);
-    f->image = nullptr;
+    if (f->block) db.alloc.release(f->block);
+    f->image = f->block = nullptr;
     db.memory_used -= f->image_size;
     f->loaded = 0;
 }
@@ -212,9 +215,9 @@ int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
 // ---- Loading a member ----
 
 static uint8_t* ssmAllocImage(SsmFile* f) {
-    f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
-    if (f->image) db.memory_used += f->image_size;
-    return f->image;
+    f->image = f->block = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
+    if (f->block) db.memory_used += f->image_size;
+    return f->block;
 }
 
 // The member's bytes from the archive, into f->image.
@@ -318,12 +321,12 @@ static int ssmLoadFromArchive(SsmFile* f) {
     return SSM_OK;
 }
 
-// The member as it was made usable before in this run.
-static int ssmLoadKept(SsmFile* f, const ssm_outcome& kept) {
+// The member as it was made usable before in this run, its image lent.
+static int ssmLoadKept(SsmFile* f, ssm_outcome& kept) {
     if (kept.result != SSM_OK) return kept.result;
     if (!ssmAllocImage(f)) return SSM_NO_MEMORY;
+    f->image = kept.image.data();
     f->loaded = 1;
-    std::copy(kept.image.begin(), kept.image.end(), f->image);
     return ssmCreateTableList(f, kept.tables);
 }
 
@@ -357,13 +360,14 @@ int ssmUnload(const char* lmid) {
 }
 
 // Also gives back what the run kept to read again: this is called when
-// memory ran out, and at the end of the report.
+// memory ran out, and at the end of the report. The members go first, as
+// they may have borrowed kept images.
 int ssmUnloadAll() {
+    if (db.selected)
+        for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
     outcome_cache.clear();
     listing_cache.clear();
-    if (!db.selected) return SSM_NOT_SELECTED;
-    for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
-    return SSM_OK;
+    return db.selected ? SSM_OK : SSM_NOT_SELECTED;
 }
 
 static sig_table file_table(const SsmFile* f, uint32_t t) { return {{f->image, f->image_size}, f->tables[t]}; }
