@@ -65,11 +65,13 @@ struct ssm_listing {
     std::vector<ssm_entry> entries;  // the first entry of each name, in directory order
     std::unordered_map<std::string_view, uint32_t> index;
 };
-// The outcome of loading a member: -5, -8, or 0 with the usable image.
+// The outcome of loading a member: -5, -8, or 0 with the usable image and
+// what the lookups of its tables work out.
 struct ssm_outcome {
     int result;
     std::vector<uint8_t> image;
     std::vector<uint32_t> tables;
+    std::vector<sig_lookup> lookups;
 };
 static std::map<std::string, std::shared_ptr<const ssm_listing>> listing_cache;
 static std::map<std::string, ssm_outcome> outcome_cache;  // archive path, NUL, member name
@@ -132,6 +134,7 @@ static void ssmFreeTableList(SsmFile* f) {
         db.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
     }
     f->tables = nullptr;
+    f->lookups = nullptr;
     f->table_count = 0;
 }
 
@@ -340,14 +343,16 @@ int ssmLoad(const char* lmid) {
     const int r = kept != outcome_cache.end() ? ssmLoadKept(f, kept->second) : ssmLoadFromArchive(f);
     // What depends on the member alone is kept; memory and access failures are not.
     if (kept == outcome_cache.end() && (r == SSM_OK || r == SSM_CORRUPT_TABLE || r == SSM_NO_TABLES)) {
-        ssm_outcome outcome{r, {}, {}};
+        ssm_outcome outcome{r, {}, {}, {}};
         if (r == SSM_OK) {
             outcome.image.assign(f->image, f->image + f->image_size);
             outcome.tables.assign(f->tables, f->tables + f->table_count);
+            for (uint32_t at : outcome.tables) outcome.lookups.push_back(sigdb_lookup_of({outcome.image, at}));
         }
-        outcome_cache.emplace(key, std::move(outcome));
+        kept = outcome_cache.emplace(key, std::move(outcome)).first;
     }
     if (r != SSM_OK) ssmUnloadFile(f);
+    else if (kept != outcome_cache.end()) f->lookups = kept->second.lookups.data();
     return r;
 }
 
@@ -370,7 +375,9 @@ int ssmUnloadAll() {
     return db.selected ? SSM_OK : SSM_NOT_SELECTED;
 }
 
-static sig_table file_table(const SsmFile* f, uint32_t t) { return {{f->image, f->image_size}, f->tables[t]}; }
+static sig_table file_table(const SsmFile* f, uint32_t t) {
+    return {{f->image, f->image_size}, f->tables[t], f->lookups ? &f->lookups[t] : nullptr};
+}
 
 int ssmPrint(const char* lmid, const uint8_t* signal, uint32_t size, ssm_putc_fn put_char) {
     if (!signal || size == 0) return SSM_BAD_SIGNAL;

@@ -39,6 +39,7 @@ struct SsmAllocators {
 
 struct ssm_entry;
 struct ssm_listing;
+struct sig_lookup;
 
 // One archive member.
 struct SsmFile {
@@ -52,6 +53,7 @@ struct SsmFile {
     uint8_t* block = nullptr;
     uint32_t table_count = 0;
     uint32_t* tables = nullptr;  // header positions in the image
+    const sig_lookup* lookups = nullptr;  // one per table, while loaded
     const ssm_entry* entry = nullptr;  // where it stands in the directory
 };
 
