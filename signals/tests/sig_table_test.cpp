@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <map>
 
 #include "signals/sig_format.h"
 #include "signals/sig_print.h"
@@ -373,6 +374,41 @@ TEST(SignalFormat, OnlyOneFittingConversion) {
         EXPECT_EQ(sig_check_format(bad).kind, sig_format::NONE) << bad;
     EXPECT_EQ(sig_check_format(std::string_view()).kind, sig_format::NONE);
     EXPECT_EQ(sig_check_format(std::string(300, 'x') + "%d").kind, sig_format::NONE);
+}
+
+// Our digits against printf's: every flag, width, precision and length a
+// table may give, over values at the edges of each width, as a C argument
+// of each element type. printf gets the host's length for the target's.
+TEST(SignalFormat, DigitsAsPrintfMakesThem) {
+    const uint64_t values[] = {0, 1, 8, 10, 0x7f, 0x80, 0xffff, 0x7fffffff, 0x80000000, 0xffffffff,
+                               1234567890123, 0x8000000000000000, 0xffffffffffffffff, uint64_t(-12345678)};
+    const std::pair<const char*, int> lengths[] = {{"", 32}, {"hh", 8}, {"h", 16}, {"l", 32}, {"ll", 64}};
+    std::map<int, const char*> host_length = {{8, "hh"}, {16, "h"}, {32, ""}, {64, "ll"}};
+    char ours[1024], theirs[1024];
+    for (const char* flags : {"", "-", "+", " ", "#", "0", "-0", "+ #0", "-+ #0"})
+        for (const char* width : {"", "1", "6", "30"})
+            for (const char* precision : {"", ".", ".0", ".1", ".4", ".25"})
+                for (auto [length, bits] : lengths)
+                    for (char conv : std::string_view("diouxX")) {
+                        const std::string spec = std::string(flags) + width + precision;
+                        const std::string format = "<%" + spec + length + conv + "%%>";
+                        const std::string host = "<%" + spec + host_length[bits] + conv + "%%>";
+                        // Kept verdicts, of which there are far fewer than formats here.
+                        const sig_format& f = sig_checked_format(format);
+                        ASSERT_EQ(f.kind, sig_format::INTEGER) << format;
+                        for (uint64_t v : values)
+                            for (int value_bits : {8, 16, 32, 64})
+                                for (bool value_signed : {false, true}) {
+                                    // The element as C would pass it, then as printf reads it.
+                                    const unsigned shift = 64 - unsigned(value_bits);
+                                    const int64_t arg = value_signed ? int64_t(v << shift) >> shift
+                                                                     : int64_t((v << shift) >> shift);
+                                    if (bits == 64) std::snprintf(theirs, sizeof theirs, host.c_str(), (long long)arg);
+                                    else std::snprintf(theirs, sizeof theirs, host.c_str(), int(arg));
+                                    sig_format_integer(f, v, value_bits, value_signed, ours, sizeof ours);
+                                    ASSERT_STREQ(ours, theirs) << format << " " << v << " " << value_bits;
+                                }
+                    }
 }
 
 }  // namespace
