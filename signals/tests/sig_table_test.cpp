@@ -186,6 +186,62 @@ TEST(SignalTable, Lookups) {
     EXPECT_EQ(sink, "FIRST FIRST_AGAIN ");
 }
 
+// A table's lookup, worked out once, answers as the scan of its pools:
+// every record of a number in pool order from any cursor, what a hit
+// reports, the number's width, and so the printed signals.
+TEST(SignalTable, LookupAnswersAsTheScan) {
+    std::vector<sigdb_layout> layouts;
+    auto image = member_image(table_text("t", "little", std::string(two_signals) + R"(
+signal LAST 0x22 {
+    ushort sig_no
+    short v[3]
+}
+signal NESTED 0x33 {
+    ushort sig_no
+    struct s {
+        uchar a
+        uchar b[2]
+    }
+}
+)") + "table u order=big\n" + two_signals, &layouts);
+    const sig_table scanned{image, uint32_t(layouts[0].header)}, other{image, uint32_t(layouts[1].header)};
+    ASSERT_EQ(reformat_magic_table(scanned, 0, 0, uint32_t(image.size() - 1)), 0);
+    ASSERT_EQ(reformat_magic_table(other, 0, 0, uint32_t(image.size() - 1)), 0);
+    const sig_lookup lookup = sigdb_lookup_of(scanned);
+    sig_table indexed = scanned;
+    indexed.lookup = &lookup;
+    EXPECT_EQ(signo_size(indexed), signo_size(scanned));
+
+    auto walk = [&](sig_table t, uint32_t signo, uint32_t cursor) {
+        std::string found;
+        std::string_view name;
+        uint32_t size = 99, var_size = 99;
+        for (int hits = 0; hits < 10 && list_sig_by_number(signo, t, &cursor, &name, &size, &var_size); hits++)
+            found += std::string(name) + " " + std::to_string(cursor) + " " + std::to_string(size) + " " +
+                     std::to_string(var_size) + ";";
+        return found;
+    };
+    uint32_t foreign = SIG_NULL;
+    ASSERT_EQ(list_sig_by_number(0x11, other, &foreign, nullptr, nullptr, nullptr), 1);
+    const uint32_t sigs = sig_pool_of(scanned, POOL_SIGDESC).at;
+    for (uint32_t signo : {0x11u, 0x22u, 0x33u, 0x44u})
+        for (uint32_t cursor : {SIG_NULL, foreign, sigs, sigs + 12, sigs + 5 * 12})
+            EXPECT_EQ(walk(indexed, signo, cursor), walk(scanned, signo, cursor)) << signo << " " << cursor;
+    EXPECT_EQ(walk(indexed, 0x22, SIG_NULL), "SECOND " + std::to_string(sigs + 12) + " 4 0;LAST " +
+                                                 std::to_string(sigs + 36) + " 8 2;");
+
+    for (std::vector<uint8_t> signal : {std::vector<uint8_t>{0x22, 0, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0},
+                                        std::vector<uint8_t>{0x33, 0, 'a', 'b', 'c', 'd'},
+                                        std::vector<uint8_t>{0x11, 0, 1, 0, 2, 0}}) {
+        sink.clear();
+        ssm_print_signal(scanned, signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 1);
+        const std::string by_scan = sink;
+        sink.clear();
+        ssm_print_signal(indexed, signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 1);
+        EXPECT_EQ(sink, by_scan);
+    }
+}
+
 TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
     built b = build(table_text("t", "little", "signal S 0x31 {\n uint sig_no\n 19 odd size=2\n}\n"));
     ASSERT_EQ(b.reformat(), 0);
