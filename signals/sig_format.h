@@ -10,6 +10,24 @@
 
 inline constexpr size_t SIG_FORMAT_MAX = 200;  // longest format accepted
 
+// One integer conversion of printf, taken apart.
+struct sig_int_spec {
+    bool left = false;   // '-'
+    bool plus = false;   // '+'
+    bool space = false;  // ' '
+    bool alt = false;    // '#'
+    bool zero = false;   // '0'
+    int width = 0;
+    int precision = -1;  // -1: none given
+    char conv = 'd';     // d, i, o, u, x or X
+};
+
+// printf's digits for an integer conversion, without printf: d and i read
+// value as a signed, o, u, x and X as an unsigned 64-bit number. Writes at
+// most width + precision + 24 characters at out, no terminator, and
+// returns how many.
+size_t sig_put_integer(char* out, const sig_int_spec& spec, uint64_t value);
+
 struct sig_format {
     enum kind_t { NONE, INTEGER, FLOATING, PLAIN } kind = NONE;
     // INTEGER: the conversion reads "ll" (or is "c"); FLOATING: a double;
@@ -18,6 +36,12 @@ struct sig_format {
     int bits = 32;  // how much of the value the format's own length keeps
     bool is_signed = false;
     bool is_char = false;
+    // The same format for our own digits (INTEGER but "c", and PLAIN):
+    // the text around the conversion with "%%" as "%", and the conversion.
+    char literal[SIG_FORMAT_MAX + 1];
+    size_t before = 0;        // characters of literal in front of the conversion
+    size_t literal_size = 0;
+    sig_int_spec spec;
 
     bool takes_integer() const { return kind == INTEGER || kind == PLAIN; }
     bool takes_floating() const { return kind == FLOATING || kind == PLAIN; }
@@ -25,6 +49,9 @@ struct sig_format {
 
 // NONE when the format is not one we print with.
 sig_format sig_check_format(std::string_view format);
+// The same verdict, kept for the formats seen last: a table names few
+// formats, for value after value. Valid until the next call.
+const sig_format& sig_checked_format(std::string_view format);
 
 // The value through a checked format, into buffer; returns the length
 // written (cut to the buffer). The value is value_bits wide and signed or

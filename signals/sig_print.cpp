@@ -26,6 +26,26 @@ static void put_printf(SsmPrintContext* ctx, const char* format, ...) {
     ssmPutString(ctx->buffer, ctx->put_char);
 }
 
+// text, then value in hex of at least digits digits, as " 0x%x", "%08X: "
+// and their kin print it, without printf.
+static void put_hex(SsmPrintContext* ctx, const char* text, uint64_t value, int digits = 1, char conv = 'x',
+                    const char* after = "") {
+    sig_int_spec spec;
+    spec.conv = conv;
+    spec.precision = digits;
+    char number[24];
+    const size_t n = sig_put_integer(number, spec, value);
+    ssmPutString(text, ctx->put_char);
+    for (size_t i = 0; i < n; i++) ctx->put_char(number[i]);
+    ssmPutString(after, ctx->put_char);
+}
+
+// text, then at most limit characters of name.
+static void put_name_text(SsmPrintContext* ctx, const char* text, std::string_view name, size_t limit) {
+    ssmPutString(text, ctx->put_char);
+    for (size_t i = 0; i < std::min(name.size(), limit); i++) ctx->put_char(static_cast<unsigned char>(name[i]));
+}
+
 static bool printable(unsigned c) { return c >= 0x20 && c <= 0x7E; }
 
 // One element as a number: sizes 1, 2, 4, 8 and 12 are read, in the
@@ -61,7 +81,7 @@ static double read_float(const uint8_t* at, unsigned size, int swap) {
 static void put_float_bytes(SsmPrintContext* ctx, const uint8_t* at, unsigned size, int swap) {
     const bool big = (swap == 1) == (std::endian::native == std::endian::little);
     ssmPutString(" 0x", ctx->put_char);
-    for (unsigned i = 0; i < size; i++) put_printf(ctx, "%02x", at[big ? i : size - 1 - i]);
+    for (unsigned i = 0; i < size; i++) put_hex(ctx, "", at[big ? i : size - 1 - i], 2);
 }
 
 static void put_enum(SsmPrintContext* ctx, const sig_value& v, uint64_t value) {
@@ -77,12 +97,12 @@ static void put_enum(SsmPrintContext* ctx, const sig_value& v, uint64_t value) {
         if (narrow(entry_value) != narrow(value)) continue;
         const std::string_view text = sig_name_at(v.strings, name);
         if (!text.data()) break;
-        put_printf(ctx, " %.*s", int(std::min<size_t>(text.size(), SSM_PRINT_BUFFER)), text.data());
+        // One piece of output: the blank and a name cut to the print buffer.
+        put_name_text(ctx, " ", text, SSM_PRINT_BUFFER - 2);
         return;
     }
-    if (size == 4) put_printf(ctx, " 0x%x", uint32_t(value));
-    else if (size == 2) put_printf(ctx, " 0x%hx", uint16_t(value));
-    else put_printf(ctx, " 0x%x", uint32_t(value));
+    if (size == 2) put_hex(ctx, " 0x", uint16_t(value));
+    else put_hex(ctx, " 0x", uint32_t(value));
 }
 
 // The C types of the type codes that are signed: enum, char, short, int,
@@ -126,7 +146,7 @@ static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format
         return;
     }
     if (count == 1) {
-        put_printf(ctx, " 0x%x", uint32_t(read_value(v.address, size, v.swap)));
+        put_hex(ctx, " 0x", uint32_t(read_value(v.address, size, v.swap)));
         return;
     }
     bool quoted = false;
@@ -137,7 +157,7 @@ static void put_chars(SsmPrintContext* ctx, const sig_value& v, const sig_format
             quoted = !quoted;
         }
         if (quoted) ctx->put_char(c);
-        else put_printf(ctx, " 0x%02x", c);
+        else put_hex(ctx, " 0x", c, 2);
     }
     if (quoted) ctx->put_char('"');
 }
@@ -153,9 +173,9 @@ static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format
         return;
     case 3: case 4: case 5: case 6: case 7: case 8:
         if (integer_format) put_with_format(ctx, f, value, value_bits(size), v.type);
-        else if (size == 2) put_printf(ctx, " 0x%hx", uint16_t(value));
-        else if (size == 4) put_printf(ctx, " 0x%x", uint32_t(value));
-        else put_printf(ctx, " 0x%llx", (unsigned long long)value);
+        else if (size == 2) put_hex(ctx, " 0x", uint16_t(value));
+        else if (size == 4) put_hex(ctx, " 0x", uint32_t(value));
+        else put_hex(ctx, " 0x", value);
         return;
     case 9: case 10: case 11:
         if (size != 4 && size != 8) {
@@ -170,16 +190,16 @@ static void put_value(SsmPrintContext* ctx, const sig_value& v, const sig_format
         return;
     case 12:
         if (integer_format) put_with_format(ctx, f, value, size == 8 ? 64 : 32, v.type);
-        else if (size == 4) put_printf(ctx, " 0x%x", uint32_t(value));
-        else put_printf(ctx, " 0x%llx", (unsigned long long)value);
+        else if (size == 4) put_hex(ctx, " 0x", uint32_t(value));
+        else put_hex(ctx, " 0x", value);
         return;
     case 17: case 18:
         if (integer_format) put_with_format(ctx, f, value, size == 8 ? 64 : 32, v.type);
-        else if (size == 8) put_printf(ctx, " 0x%llx", (unsigned long long)value);
-        else put_printf(ctx, " %x", uint32_t(value));
+        else if (size == 8) put_hex(ctx, " 0x", value);
+        else put_hex(ctx, " ", uint32_t(value));
         return;
     default:
-        put_printf(ctx, " 0x%x", uint32_t(value));
+        put_hex(ctx, " 0x", uint32_t(value));
     }
 }
 
@@ -194,14 +214,14 @@ static void print_field(const sig_value& v, SsmPrintContext* ctx, bool offsets) 
     } else {
         ssmPutString(ctx->separator, ctx->put_char);
     }
-    if (offsets) put_printf(ctx, "%08X: ", uint32_t(v.address - signal_base));
+    if (offsets) put_hex(ctx, "", uint32_t(v.address - signal_base), 8, 'X', ": ");
     ssmPutString(v.name, ctx->put_char);
     ssmPutString(" =", ctx->put_char);
 
     // Never read behind the signal, whatever the walk handed over.
     uint32_t count = v.count;
     if (v.size != 0) count = uint32_t(std::min<uint64_t>(count, uint64_t(v.end - v.address) / v.size));
-    const sig_format f = sig_check_format(v.format);
+    const sig_format& f = sig_checked_format(v.format);
     if (v.type == 1 || v.type == 2) {
         put_chars(ctx, v, f, count);
         return;
@@ -214,15 +234,26 @@ void ose_print_field(const sig_value& value, SsmPrintContext* context) { print_f
 
 void ssm_print_hex_dump(const uint8_t* data, uint32_t size, uint32_t offset, ssm_putc_fn put_char) {
     if (!data || size == 0) return;
+    sig_int_spec offset_digits, byte_digits;
+    offset_digits.conv = 'X';
+    offset_digits.precision = 8;
+    byte_digits.conv = 'x';
+    byte_digits.precision = 2;
     char line[96];
     for (uint32_t at = 0; at < size; at += 16) {
         const uint32_t k = std::min<uint32_t>(16, size - at);
-        int n = std::snprintf(line, sizeof line, "%08X: ", at + offset);
+        size_t n = sig_put_integer(line, offset_digits, uint32_t(at + offset));
+        line[n++] = ':';
+        line[n++] = ' ';
         for (uint32_t j = 0; j < k; j++) {
-            n += std::snprintf(line + n, sizeof line - size_t(n), "%02x", data[at + j]);
+            n += sig_put_integer(line + n, byte_digits, data[at + j]);
             if (j % 4 == 3) line[n++] = ' ';
         }
-        n += std::snprintf(line + n, sizeof line - size_t(n), "%*s  \"", 46 - n, "");
+        // The text column starts at 48, behind the padding and two blanks.
+        while (n < 46) line[n++] = ' ';
+        line[n++] = ' ';
+        line[n++] = ' ';
+        line[n++] = '"';
         for (uint32_t j = 0; j < k; j++) line[n++] = printable(data[at + j]) ? char(data[at + j]) : '.';
         line[n++] = '"';
         line[n++] = '\n';
@@ -251,9 +282,15 @@ static bool find_signal(sig_table table, std::span<const uint8_t> signal, sig_hi
     return true;
 }
 
-static void put_name(SsmPrintContext* ctx, const char* format, std::string_view name, const char* none) {
-    if (name.data()) put_printf(ctx, format, int(std::min<size_t>(name.size(), 1000)), name.data());
-    else ssmPutString(none, ctx->put_char);
+// text, the name cut to 1000 characters, after; or none without a name.
+static void put_name(SsmPrintContext* ctx, const char* text, std::string_view name, const char* after,
+                     const char* none) {
+    if (!name.data()) {
+        ssmPutString(none, ctx->put_char);
+        return;
+    }
+    put_name_text(ctx, text, name, 1000);
+    ssmPutString(after, ctx->put_char);
 }
 
 int ssm_print_signal(sig_table table, const uint8_t* signal, uint32_t size, int compress, ssm_putc_fn put_char,
@@ -264,7 +301,7 @@ int ssm_print_signal(sig_table table, const uint8_t* signal, uint32_t size, int 
     const std::span<const uint8_t> bytes(signal, size);
     sig_hit hit;
     if (find_signal(table, bytes, &hit)) {
-        put_name(&ctx, "Signal %.*s", hit.name, "Signal <SIGNAL_SYMBOL_NAME>");
+        put_name(&ctx, "Signal ", hit.name, "", "Signal <SIGNAL_SYMBOL_NAME>");
         const uint32_t left = traverse_sig(table, hit.sigdesc, bytes, compress, &ctx, ssm_print_field);
         if (left != 0) {
             const uint32_t used = size - left;
@@ -285,7 +322,7 @@ int ssm_print_signal_name(sig_table table, uint32_t signo, ssm_putc_fn put_char)
     std::string_view name;
     int hits = 0;
     while (list_sig_by_number(signo, table, &cursor, &name, nullptr, nullptr)) {
-        put_name(&ctx, "%.*s ", name, "<SIGNAL> ");
+        put_name(&ctx, "", name, " ", "<SIGNAL> ");
         hits++;
     }
     return hits;
@@ -313,7 +350,7 @@ int ose_print_signal(sig_table table, const uint8_t* signal, uint32_t size, int 
     const std::span<const uint8_t> bytes(signal, size);
     sig_hit hit;
     if (find_signal(table, bytes, &hit)) {
-        put_name(&ctx, "%.*s", hit.name, "<SIGNAL>");
+        put_name(&ctx, "", hit.name, "", "<SIGNAL>");
         const uint32_t left = traverse_sig(table, hit.sigdesc, bytes, compress, &ctx, ose_print_field);
         if (left != 0 && hex_on_failure) ose_print_rest(&ctx, signal + size - left, left);
         if (hit.truncated) ssmPutString(" ...", put_char);

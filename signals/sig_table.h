@@ -15,15 +15,22 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "signals/signals.h"
 
 // No pool, no record, no reference.
 inline constexpr uint32_t SIG_NULL = 0xFFFFFFFF;
 
+struct sig_lookup;
+
 struct sig_table {
     std::span<uint8_t> image;
     uint32_t at = SIG_NULL;  // position of the header
+    // What the lookups of a table that no longer changes have worked out
+    // before; null: they work it out each time.
+    const sig_lookup* lookup = nullptr;
 };
 
 // Header fields, common to both families.
@@ -170,6 +177,25 @@ int reformat_table(sig_table table, uint32_t link_address, uint32_t low, uint32_
 int reformat_magic_table(sig_table table, uint32_t link_address, uint32_t low, uint32_t high);
 int swap_symdesc(sig_table table);
 int get_type_name(const vardesc& var, std::string_view* name);
+
+// What the lookups by number find in a sigdb table that has been made
+// usable and is only read from then on: the signal number's width, the
+// records of each number in pool order, and what a hit reports of a
+// record, noted the first time it is asked for (a lying table can make
+// that a long search). All of it follows from the table's bytes alone, so
+// the lookups give with it exactly what they give by scanning the pool.
+struct sig_record_facts {
+    bool known = false;
+    uint32_t size = 0;           // declared size, as a hit reports it
+    uint32_t var_size = 0;       // element size of a last member that is an array
+    bool last_is_array = false;  // what traverse_sig decides by
+};
+struct sig_lookup {
+    int signo_size = 0;
+    std::vector<std::pair<uint32_t, uint32_t>> by_number;  // (signo, record), sorted
+    mutable std::vector<sig_record_facts> records;          // by record index
+};
+sig_lookup sigdb_lookup_of(sig_table table);
 
 // sigdb family (sigdb_table.cpp, sig_reformat.cpp).
 int sigdb_check_endian(sig_table table);

@@ -4,8 +4,8 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdio>
 
+#include "signals/sig_format.h"
 #include "signals/sig_table.h"
 
 // Records visited per signal. A real signal needs about one visit per value
@@ -63,10 +63,13 @@ inline uint32_t sig_name_put(char* name, uint32_t pos, std::string_view text) {
     return uint32_t(pos + n);
 }
 
-inline uint32_t sig_name_index(char* name, uint32_t pos, const char* format, long long i) {
-    char text[32];
-    int n = std::snprintf(text, sizeof text, format, i);
-    return sig_name_put(name, pos, std::string_view(text, size_t(std::max(n, 0))));
+// Writes open, i in decimal and "]" at pos: an index "[2]", or a run "[0-7]".
+inline uint32_t sig_name_index(char* name, uint32_t pos, std::string_view open, long long i) {
+    char text[40];
+    size_t n = open.copy(text, 8);
+    n += sig_put_integer(text + n, sig_int_spec{}, uint64_t(i));
+    text[n++] = ']';
+    return sig_name_put(name, pos, std::string_view(text, n));
 }
 
 inline void sig_name_clear(char* name, uint32_t pos) {
@@ -141,19 +144,19 @@ uint32_t sig_walk_array(sig_walk& w, const vardesc& v, const uint8_t* data, uint
     for (int64_t i = 0; i < n && w.visit(); i++) {
         const uint32_t part = uint32_t(std::min<int64_t>(left, step));
         if (aggregate) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
+            const uint32_t behind = sig_name_index(w.name, position, "[", i);
             if (!last_level) result = sig_walk_array<Family>(w, v, data, part, behind, 0, level + 1);
             else if (left != 0) result = Family::walk_struct(w, v, data, uint32_t(left), behind, 0, 1);
         } else if (!last_level) {
-            const uint32_t behind = sig_name_index(w.name, position, "[%lld]", i);
+            const uint32_t behind = sig_name_index(w.name, position, "[", i);
             sig_walk_array<Family>(w, v, data, part, behind, 0, level + 1);
         } else if (w.compress == 1) {
-            sig_name_index(w.name, position, "[0-%lld]", n - 1);
+            sig_name_index(w.name, position, "[0-", n - 1);
             if (v.size <= left && v.size != 0)
                 Family::emit(w, v, data, uint32_t(left / v.size) & Family::count_mask, row_end);
             break;
         } else {
-            sig_name_index(w.name, position, "[%lld]", i);
+            sig_name_index(w.name, position, "[", i);
             if (v.size <= left) Family::emit(w, v, data, 1, row_end);
         }
         if (left <= step) break;

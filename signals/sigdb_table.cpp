@@ -75,6 +75,7 @@ bool sigdb_find_last_member(sig_table table, uint32_t first, vardesc* last) {
 
 int sigdb_signo_size(sig_table table) {
     if (table.at == SIG_NULL) return 0;
+    if (table.lookup) return table.lookup->signo_size;
     const sig_pool sigs = sig_pool_of(table, POOL_SIGDESC);
     const sig_pool vars = sig_pool_of(table, POOL_VARDESC);
     if (sigs.size == 0 || vars.size == 0) return 4;
@@ -108,16 +109,44 @@ static uint32_t sigdb_cursor_next(const sig_pool& pool, const uint32_t* cursor) 
     return (*cursor - pool.at) / SIGDB_SIGDESC_SIZE + 1;
 }
 
-// The results of a hit: name, declared size, element size of a last array.
-static void sigdb_hit(sig_table table, const sigdesc& sd, std::string_view* name, uint32_t* size,
+// What a hit reports of record i, and whether its last member is an array.
+static sig_record_facts sigdb_facts(sig_table table, const sigdesc& sd, uint32_t i) {
+    sig_record_facts* noted = table.lookup && i < table.lookup->records.size() ? &table.lookup->records[i] : nullptr;
+    if (noted && noted->known) return *noted;
+    sig_record_facts facts;
+    vardesc top, last;
+    const bool has_top = sigdb_vardesc_at(table, sd.vardesc, &top);
+    const bool has_last = has_top && top.link != SIGDB_NO_LINK && sigdb_find_last_member(table, top.link, &last);
+    sig_hit_sizes(has_top ? &top : nullptr, has_last ? &last : nullptr, &facts.size, &facts.var_size);
+    facts.last_is_array = has_last && last.dimensions != 0;
+    facts.known = true;
+    if (noted) *noted = facts;
+    return facts;
+}
+
+// The results of a hit on record i: name, declared size, element size of a last array.
+static void sigdb_hit(sig_table table, const sigdesc& sd, uint32_t i, std::string_view* name, uint32_t* size,
                       uint32_t* var_size) {
     const sig_pool strings = sig_pool_of(table, POOL_STRING);
     if (name) *name = strings.present() ? sig_name_at(sigdb_names(table), sd.name) : std::string_view();
     if (!sig_pool_of(table, POOL_VARDESC).present()) return;
-    vardesc top, last;
-    const bool has_top = sigdb_vardesc_at(table, sd.vardesc, &top);
-    const bool has_last = has_top && top.link != SIGDB_NO_LINK && sigdb_find_last_member(table, top.link, &last);
-    sig_hit_sizes(has_top ? &top : nullptr, has_last ? &last : nullptr, size, var_size);
+    const sig_record_facts facts = sigdb_facts(table, sd, i);
+    if (size) *size = facts.size;
+    if (var_size) *var_size = facts.var_size;
+}
+
+// The first record of this number from record i on, in pool order.
+static bool sigdb_next_of_number(sig_table table, const sig_pool& sigs, uint32_t signo, uint32_t* i, sigdesc* sd) {
+    if (table.lookup) {
+        const auto& numbers = table.lookup->by_number;
+        const auto hit = std::lower_bound(numbers.begin(), numbers.end(), std::pair{signo, *i});
+        if (hit == numbers.end() || hit->first != signo) return false;
+        *i = hit->second;
+        return sigdb_sigdesc_at(table, sigs, *i, sd);
+    }
+    for (; sigdb_sigdesc_at(table, sigs, *i, sd); ++*i)
+        if (sd->signo == signo) return true;
+    return false;
 }
 
 int sigdb_list_sig_by_number(uint32_t signo, sig_table table, uint32_t* cursor, std::string_view* name,
@@ -126,13 +155,24 @@ int sigdb_list_sig_by_number(uint32_t signo, sig_table table, uint32_t* cursor, 
     const sig_pool sigs = sig_pool_of(table, POOL_SIGDESC);
     if (!sigs.present()) return 0;
     sigdesc sd;
-    for (uint32_t i = sigdb_cursor_next(sigs, cursor); sigdb_sigdesc_at(table, sigs, i, &sd); i++) {
-        if (sd.signo != signo) continue;
-        if (cursor) *cursor = sd.at;
-        sigdb_hit(table, sd, name, size, var_size);
-        return 1;
-    }
-    return 0;
+    uint32_t i = sigdb_cursor_next(sigs, cursor);
+    if (!sigdb_next_of_number(table, sigs, signo, &i, &sd)) return 0;
+    if (cursor) *cursor = sd.at;
+    sigdb_hit(table, sd, i, name, size, var_size);
+    return 1;
+}
+
+sig_lookup sigdb_lookup_of(sig_table table) {
+    table.lookup = nullptr;
+    sig_lookup lookup;
+    lookup.signo_size = sigdb_signo_size(table);
+    const sig_pool sigs = sig_pool_of(table, POOL_SIGDESC);
+    sigdesc sd;
+    for (uint32_t i = 0; sigs.present() && sigdb_sigdesc_at(table, sigs, i, &sd); i++)
+        lookup.by_number.emplace_back(sd.signo, i);
+    std::sort(lookup.by_number.begin(), lookup.by_number.end());
+    lookup.records.resize(lookup.by_number.size());
+    return lookup;
 }
 
 bool sigdb_match_name(std::string_view candidate, const char* pattern) {
@@ -157,7 +197,7 @@ int sigdb_list_sig_by_name(const char* pattern, sig_table table, uint32_t* curso
         if (!candidate.data() || !sigdb_match_name(candidate, pattern)) continue;
         if (cursor) *cursor = sd.at;
         if (signo) *signo = sd.signo;
-        sigdb_hit(table, sd, name, size, var_size);
+        sigdb_hit(table, sd, i, name, size, var_size);
         return 1;
     }
     return 0;
@@ -273,13 +313,13 @@ uint32_t sigdb_traverse_sig(sig_table table, uint32_t sigdesc_at, std::span<cons
     if (endian == 3 || sigdesc_at == SIG_NULL || !sig_pool_of(table, POOL_VARDESC).present()) return size;
     // The sigdesc must be a record of this table.
     sigdesc sd;
+    const uint32_t record = (sigdesc_at - sigs.at) / SIGDB_SIGDESC_SIZE;
     if (!sigs.present() || sigdesc_at < sigs.at || (sigdesc_at - sigs.at) % SIGDB_SIGDESC_SIZE != 0 ||
-        !sigdb_sigdesc_at(table, sigs, (sigdesc_at - sigs.at) / SIGDB_SIGDESC_SIZE, &sd))
+        !sigdb_sigdesc_at(table, sigs, record, &sd))
         return size;
-    vardesc top, last;
+    vardesc top;
     if (!sigdb_vardesc_at(table, sd.vardesc, &top)) return size;
-    const bool last_is_array =
-        top.link != SIGDB_NO_LINK && sigdb_find_last_member(table, top.link, &last) && last.dimensions != 0;
+    const bool last_is_array = sigdb_facts(table, sd, record).last_is_array;
 
     sig_walk w{table, sigdb_name_buffer, compress, endian == 1, context, callback,
                signal.data() + signal.size(), sigdb_names(table)};

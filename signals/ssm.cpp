@@ -8,7 +8,10 @@
 // listing, and the outcome of each member load: the result, and for a
 // usable member its image as the reformatting left it. Reformatting is
 // deterministic, so a load from what was kept gives the same results,
-// messages and report as reading the member anew.
+// messages and report as reading the member anew. A reformatted image is
+// only read, so a later load lends the kept one to the member instead of
+// copying it. The member still takes its block, untouched, so that memory
+// runs out and is counted exactly as with a fresh read.
 #include "signals/ssm.h"
 
 #include <sys/stat.h>
@@ -62,11 +65,13 @@ struct ssm_listing {
     std::vector<ssm_entry> entries;  // the first entry of each name, in directory order
     std::unordered_map<std::string_view, uint32_t> index;
 };
-// The outcome of loading a member: -5, -8, or 0 with the usable image.
+// The outcome of loading a member: -5, -8, or 0 with the usable image and
+// what the lookups of its tables work out.
 struct ssm_outcome {
     int result;
     std::vector<uint8_t> image;
     std::vector<uint32_t> tables;
+    std::vector<sig_lookup> lookups;
 };
 static std::map<std::string, std::shared_ptr<const ssm_listing>> listing_cache;
 static std::map<std::string, ssm_outcome> outcome_cache;  // archive path, NUL, member name
@@ -117,8 +122,8 @@ static bool ssmCreateFiles() {
 }
 
 static void ssmFreeFile(SsmFile* f) {
-    if (f->image) db.alloc.release(f->image);
-    f->image = nullptr;
+    if (f->block) db.alloc.release(f->block);
+    f->image = f->block = nullptr;
     db.memory_used -= f->image_size;
     f->loaded = 0;
 }
@@ -129,6 +134,7 @@ static void ssmFreeTableList(SsmFile* f) {
         db.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
     }
     f->tables = nullptr;
+    f->lookups = nullptr;
     f->table_count = 0;
 }
 
@@ -212,9 +218,9 @@ int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
 // ---- Loading a member ----
 
 static uint8_t* ssmAllocImage(SsmFile* f) {
-    f->image = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
-    if (f->image) db.memory_used += f->image_size;
-    return f->image;
+    f->image = f->block = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
+    if (f->block) db.memory_used += f->image_size;
+    return f->block;
 }
 
 // The member's bytes from the archive, into f->image.
@@ -318,12 +324,12 @@ static int ssmLoadFromArchive(SsmFile* f) {
     return SSM_OK;
 }
 
-// The member as it was made usable before in this run.
-static int ssmLoadKept(SsmFile* f, const ssm_outcome& kept) {
+// The member as it was made usable before in this run, its image lent.
+static int ssmLoadKept(SsmFile* f, ssm_outcome& kept) {
     if (kept.result != SSM_OK) return kept.result;
     if (!ssmAllocImage(f)) return SSM_NO_MEMORY;
+    f->image = kept.image.data();
     f->loaded = 1;
-    std::copy(kept.image.begin(), kept.image.end(), f->image);
     return ssmCreateTableList(f, kept.tables);
 }
 
@@ -337,14 +343,16 @@ int ssmLoad(const char* lmid) {
     const int r = kept != outcome_cache.end() ? ssmLoadKept(f, kept->second) : ssmLoadFromArchive(f);
     // What depends on the member alone is kept; memory and access failures are not.
     if (kept == outcome_cache.end() && (r == SSM_OK || r == SSM_CORRUPT_TABLE || r == SSM_NO_TABLES)) {
-        ssm_outcome outcome{r, {}, {}};
+        ssm_outcome outcome{r, {}, {}, {}};
         if (r == SSM_OK) {
             outcome.image.assign(f->image, f->image + f->image_size);
             outcome.tables.assign(f->tables, f->tables + f->table_count);
+            for (uint32_t at : outcome.tables) outcome.lookups.push_back(sigdb_lookup_of({outcome.image, at}));
         }
-        outcome_cache.emplace(key, std::move(outcome));
+        kept = outcome_cache.emplace(key, std::move(outcome)).first;
     }
     if (r != SSM_OK) ssmUnloadFile(f);
+    else if (kept != outcome_cache.end()) f->lookups = kept->second.lookups.data();
     return r;
 }
 
@@ -357,16 +365,19 @@ int ssmUnload(const char* lmid) {
 }
 
 // Also gives back what the run kept to read again: this is called when
-// memory ran out, and at the end of the report.
+// memory ran out, and at the end of the report. The members go first, as
+// they may have borrowed kept images.
 int ssmUnloadAll() {
+    if (db.selected)
+        for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
     outcome_cache.clear();
     listing_cache.clear();
-    if (!db.selected) return SSM_NOT_SELECTED;
-    for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
-    return SSM_OK;
+    return db.selected ? SSM_OK : SSM_NOT_SELECTED;
 }
 
-static sig_table file_table(const SsmFile* f, uint32_t t) { return {{f->image, f->image_size}, f->tables[t]}; }
+static sig_table file_table(const SsmFile* f, uint32_t t) {
+    return {{f->image, f->image_size}, f->tables[t], f->lookups ? &f->lookups[t] : nullptr};
+}
 
 int ssmPrint(const char* lmid, const uint8_t* signal, uint32_t size, ssm_putc_fn put_char) {
     if (!signal || size == 0) return SSM_BAD_SIGNAL;

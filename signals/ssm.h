@@ -39,6 +39,7 @@ struct SsmAllocators {
 
 struct ssm_entry;
 struct ssm_listing;
+struct sig_lookup;
 
 // One archive member.
 struct SsmFile {
@@ -47,8 +48,12 @@ struct SsmFile {
     std::string_view name;  // as the archive's directory gives it
     uint8_t* image = nullptr;
     uint32_t image_size = 0;  // as the zip directory states it
+    // The block taken for the image from the allocators: the image itself,
+    // unless the run's kept image is lent (ssm.cpp).
+    uint8_t* block = nullptr;
     uint32_t table_count = 0;
     uint32_t* tables = nullptr;  // header positions in the image
+    const sig_lookup* lookups = nullptr;  // one per table, while loaded
     const ssm_entry* entry = nullptr;  // where it stands in the directory
 };
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <map>
 
 #include "signals/sig_format.h"
 #include "signals/sig_print.h"
@@ -183,6 +184,62 @@ TEST(SignalTable, Lookups) {
     sink.clear();
     EXPECT_EQ(ssm_print_signal_name(t, 0x11, sink_put), 2);
     EXPECT_EQ(sink, "FIRST FIRST_AGAIN ");
+}
+
+// A table's lookup, worked out once, answers as the scan of its pools:
+// every record of a number in pool order from any cursor, what a hit
+// reports, the number's width, and so the printed signals.
+TEST(SignalTable, LookupAnswersAsTheScan) {
+    std::vector<sigdb_layout> layouts;
+    auto image = member_image(table_text("t", "little", std::string(two_signals) + R"(
+signal LAST 0x22 {
+    ushort sig_no
+    short v[3]
+}
+signal NESTED 0x33 {
+    ushort sig_no
+    struct s {
+        uchar a
+        uchar b[2]
+    }
+}
+)") + "table u order=big\n" + two_signals, &layouts);
+    const sig_table scanned{image, uint32_t(layouts[0].header)}, other{image, uint32_t(layouts[1].header)};
+    ASSERT_EQ(reformat_magic_table(scanned, 0, 0, uint32_t(image.size() - 1)), 0);
+    ASSERT_EQ(reformat_magic_table(other, 0, 0, uint32_t(image.size() - 1)), 0);
+    const sig_lookup lookup = sigdb_lookup_of(scanned);
+    sig_table indexed = scanned;
+    indexed.lookup = &lookup;
+    EXPECT_EQ(signo_size(indexed), signo_size(scanned));
+
+    auto walk = [&](sig_table t, uint32_t signo, uint32_t cursor) {
+        std::string found;
+        std::string_view name;
+        uint32_t size = 99, var_size = 99;
+        for (int hits = 0; hits < 10 && list_sig_by_number(signo, t, &cursor, &name, &size, &var_size); hits++)
+            found += std::string(name) + " " + std::to_string(cursor) + " " + std::to_string(size) + " " +
+                     std::to_string(var_size) + ";";
+        return found;
+    };
+    uint32_t foreign = SIG_NULL;
+    ASSERT_EQ(list_sig_by_number(0x11, other, &foreign, nullptr, nullptr, nullptr), 1);
+    const uint32_t sigs = sig_pool_of(scanned, POOL_SIGDESC).at;
+    for (uint32_t signo : {0x11u, 0x22u, 0x33u, 0x44u})
+        for (uint32_t cursor : {SIG_NULL, foreign, sigs, sigs + 12, sigs + 5 * 12})
+            EXPECT_EQ(walk(indexed, signo, cursor), walk(scanned, signo, cursor)) << signo << " " << cursor;
+    EXPECT_EQ(walk(indexed, 0x22, SIG_NULL), "SECOND " + std::to_string(sigs + 12) + " 4 0;LAST " +
+                                                 std::to_string(sigs + 36) + " 8 2;");
+
+    for (std::vector<uint8_t> signal : {std::vector<uint8_t>{0x22, 0, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0},
+                                        std::vector<uint8_t>{0x33, 0, 'a', 'b', 'c', 'd'},
+                                        std::vector<uint8_t>{0x11, 0, 1, 0, 2, 0}}) {
+        sink.clear();
+        ssm_print_signal(scanned, signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 1);
+        const std::string by_scan = sink;
+        sink.clear();
+        ssm_print_signal(indexed, signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 1);
+        EXPECT_EQ(sink, by_scan);
+    }
 }
 
 TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
@@ -373,6 +430,41 @@ TEST(SignalFormat, OnlyOneFittingConversion) {
         EXPECT_EQ(sig_check_format(bad).kind, sig_format::NONE) << bad;
     EXPECT_EQ(sig_check_format(std::string_view()).kind, sig_format::NONE);
     EXPECT_EQ(sig_check_format(std::string(300, 'x') + "%d").kind, sig_format::NONE);
+}
+
+// Our digits against printf's: every flag, width, precision and length a
+// table may give, over values at the edges of each width, as a C argument
+// of each element type. printf gets the host's length for the target's.
+TEST(SignalFormat, DigitsAsPrintfMakesThem) {
+    const uint64_t values[] = {0, 1, 8, 10, 0x7f, 0x80, 0xffff, 0x7fffffff, 0x80000000, 0xffffffff,
+                               1234567890123, 0x8000000000000000, 0xffffffffffffffff, uint64_t(-12345678)};
+    const std::pair<const char*, int> lengths[] = {{"", 32}, {"hh", 8}, {"h", 16}, {"l", 32}, {"ll", 64}};
+    std::map<int, const char*> host_length = {{8, "hh"}, {16, "h"}, {32, ""}, {64, "ll"}};
+    char ours[1024], theirs[1024];
+    for (const char* flags : {"", "-", "+", " ", "#", "0", "-0", "+ #0", "-+ #0"})
+        for (const char* width : {"", "1", "6", "30"})
+            for (const char* precision : {"", ".", ".0", ".1", ".4", ".25"})
+                for (auto [length, bits] : lengths)
+                    for (char conv : std::string_view("diouxX")) {
+                        const std::string spec = std::string(flags) + width + precision;
+                        const std::string format = "<%" + spec + length + conv + "%%>";
+                        const std::string host = "<%" + spec + host_length[bits] + conv + "%%>";
+                        // Kept verdicts, of which there are far fewer than formats here.
+                        const sig_format& f = sig_checked_format(format);
+                        ASSERT_EQ(f.kind, sig_format::INTEGER) << format;
+                        for (uint64_t v : values)
+                            for (int value_bits : {8, 16, 32, 64})
+                                for (bool value_signed : {false, true}) {
+                                    // The element as C would pass it, then as printf reads it.
+                                    const unsigned shift = 64 - unsigned(value_bits);
+                                    const int64_t arg = value_signed ? int64_t(v << shift) >> shift
+                                                                     : int64_t((v << shift) >> shift);
+                                    if (bits == 64) std::snprintf(theirs, sizeof theirs, host.c_str(), (long long)arg);
+                                    else std::snprintf(theirs, sizeof theirs, host.c_str(), int(arg));
+                                    sig_format_integer(f, v, value_bits, value_signed, ours, sizeof ours);
+                                    ASSERT_STREQ(ours, theirs) << format << " " << v << " " << value_bits;
+                                }
+                    }
 }
 
 }  // namespace

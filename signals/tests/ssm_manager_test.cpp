@@ -201,6 +201,42 @@ TEST(SignalArchiveManager, ArchivesThatLie) {
     deleteSsmDataBase();
 }
 
+// A member loaded again after a switch comes from what the run kept: the
+// snapshot, the print and the memory count are those of its first load.
+TEST(SignalArchiveManager, LoadsAgainAsTheFirstTime) {
+    scratch_dir dir;
+    const std::string a = dir.archive("a.zip", members_a);
+    const std::string b = dir.archive("b.zip", members_b);
+    auto snapshot = [] {
+        auto info = ssmInfo();
+        std::string rows;
+        for (uint32_t i = 0; info && i <= info[0].second; i++)
+            rows += std::to_string(info[i].flag) + " " + info[i].text + " " + std::to_string(info[i].first) + " " +
+                    std::to_string(info[i].second) + "\n";
+        return rows;
+    };
+    const auto sig = be(0x100, {0, 7, 0, 0});
+    ssmUnloadAll();  // nothing kept from other tests
+    ASSERT_EQ(ssmSelectArchive(a.c_str(), &heap), 0);
+    ASSERT_EQ(ssmLoad("LQZ_A"), 0);
+    EXPECT_EQ(ssmLoad("NO_TABLES"), -8);
+    const std::string first = snapshot(), printed = print("LQZ_A", sig);
+    for (int round = 0; round < 2; round++) {
+        ASSERT_EQ(ssmSelectArchive(b.c_str(), &heap), 0);
+        ASSERT_EQ(ssmLoad("LQZ_A"), 0);
+        ASSERT_EQ(ssmSelectArchive(a.c_str(), &heap), 0);
+        ASSERT_EQ(ssmLoad("LQZ_A"), 0);
+        EXPECT_EQ(ssmLoad("NO_TABLES"), -8);
+        EXPECT_EQ(snapshot(), first);
+        EXPECT_EQ(print("LQZ_A", sig), printed);
+        // After everything was given back it is read anew, to the same effect.
+        if (round == 0) ssmUnloadAll();
+    }
+    EXPECT_EQ(ssmUnload("LQZ_A"), 0);
+    EXPECT_EQ(ssmInfo()[0].first, 5 * sizeof(SsmFile));
+    deleteSsmDataBase();
+}
+
 struct report_options {
     krd_options o;
     report_options(std::initializer_list<const char*> zips, uint32_t flags = 0) {
