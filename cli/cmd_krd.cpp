@@ -1,6 +1,5 @@
 #include <getopt.h>
 
-#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +10,7 @@
 
 #include "cli/report.h"
 #include "cli/report_output.h"
+#include "support/text.h"
 #include "symbols/calltrace.h"
 
 int nexus_files = 0;
@@ -22,10 +22,10 @@ int is_numeric_arg(const char* text) {
     int bad = 0;
     if (*p == 'x') {
         for (p++; *p; p++)
-            if (!std::isxdigit(uint8_t(*p))) bad++;
+            if (!is_xdigit(*p)) bad++;
     } else {
         for (; *p; p++)
-            if (!std::isdigit(uint8_t(*p))) bad++;
+            if (!is_digit(*p)) bad++;
     }
     return bad == 0;
 }

@@ -14,8 +14,6 @@
 
 int te_heading_done = 0;
 
-static bool starts_with(const std::string& s, const char* prefix) { return s.compare(0, std::strlen(prefix), prefix) == 0; }
-
 void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
     const std::string& title = chain->title;
     const char* t = title.c_str();
@@ -28,7 +26,7 @@ void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* opti
             std::fprintf(out, "\n[%s]\n\n", t);
             te_heading_done = 1;
         }
-    } else if (starts_with(title, "SIGNAL QUEUE FOR PROCESS")) {
+    } else if (title.starts_with("SIGNAL QUEUE FOR PROCESS")) {
         std::fputc('\n', out);
         const char* name = find_process_name(title.c_str());
         if (name) std::fprintf(out, "\n[%s %s]\n", t, name);
@@ -133,13 +131,13 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
         if (nexus_files == 1 && !write_nexus_files(buf)) return;
         int r = handle_nexus_log(out, f, options, buf);
         if (r != 0) std::fprintf(out, "  Cannot read NPC Trace Buffer [trace ecode=%d]\n", r);
-    } else if ((starts_with(title, "REGISTERS ") || starts_with(title, "CPU registers")) && buf[0] != ' ' &&
+    } else if ((title.starts_with("REGISTERS ") || title.starts_with("CPU registers")) && buf[0] != ' ' &&
                (buf.size() < 2 || buf[1] != ' ')) {
         std::fputc('\n', out);
         print_reg_text(out, buf);
-    } else if (starts_with(title, "RAMLOG")) {
+    } else if (title.starts_with("RAMLOG")) {
         print_ramlog(out, buf);
-    } else if (starts_with(title, "Stack for ") || title.find("STACK FOR") != std::string::npos) {
+    } else if (title.starts_with("Stack for ") || title.find("STACK FOR") != std::string::npos) {
         std::fputc('\n', out);
         print_stack_dump(out, buf, chain->image->address);
     } else if (!chain->is_text) {
@@ -149,13 +147,13 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
     } else if (first_pass == 1) {
         if (title == "PROCESS LIST") get_process_list(buf, options);
         else std::fputs("Error: No PROCESS LIST section found.\n", stderr);
-    } else if (starts_with(title, "SIGNAL QUEUE FOR PROCESS")) {
+    } else if (title.starts_with("SIGNAL QUEUE FOR PROCESS")) {
         unsigned pid = 0;
         std::sscanf(title.c_str(), "SIGNAL QUEUE FOR PROCESS %x", &pid);
         print_signalqueue(out, buf, pid, options);
-    } else if (starts_with(title, "KERNEL TRACE CONTENTS")) {
+    } else if (title.starts_with("KERNEL TRACE CONTENTS")) {
         print_kernel_trace_signals(out, buf, options);
-    } else if (starts_with(title, "PROCESS LIST") && (options->flags & KRD_OPT_NEXUS_NAMES)) {
+    } else if (title.starts_with("PROCESS LIST") && (options->flags & KRD_OPT_NEXUS_NAMES)) {
         print_text_process_dump(out, buf);
     } else if (title == "PROCESS SWAP IN LIST") {
         std::string board = system_param_value(out, f, "target_board");

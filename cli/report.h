@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <span>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
 #include "pmd/section_chain.h"
+#include "run/krd_options.h"
 #include "signals/signals.h"
 
 inline constexpr const char* KRD_PRODUCT_ID = "LQZ 551 0137";
@@ -33,3 +33,7 @@ void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
 
 // Set once the T&E heading has been printed in this run.
 extern int te_heading_done;
+// Run-wide values outside the options record: -N / -nexus_files, and the
+// dump's path.
+extern int nexus_files;
+extern const char* dump_file_name;

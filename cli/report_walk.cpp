@@ -3,7 +3,7 @@
 
 #include "cli/report.h"
 #include "render/process_list.h"
-#include "render/text_search.h"
+#include "support/text.h"
 
 void print_dump_header(FILE* out, krd_file* f) {
     std::fputs("\n[OUTPUT OF DUMP INFORMATION]\n\n", out);

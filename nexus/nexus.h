@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <span>
 
-#include "cli/krd_options.h"
 #include "nexus/nexus_messages.h"
 #include "pmd/krd_file.h"
-#include "render/out_buffer.h"
+#include "run/krd_options.h"
+#include "support/out_buffer.h"
 
 // Addresses rebuilt across messages, sections and cores, for the whole run.
 extern uint32_t last_addr;

@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "nexus/nexus.h"
-#include "nexus/report_text.h"
 #include "nexus/process_names.h"
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
+#include "support/text_span.h"
 #include "symbols/calltrace.h"
 
 uint32_t last_addr = 0;
@@ -18,6 +18,8 @@ uint32_t F_ADDR_core4 = 0, F_ADDR_core5 = 0, F_ADDR_core6 = 0, F_ADDR_core7 = 0;
 namespace {
 
 constexpr const char* proc_list_name = "Proc_list_temp.txt";
+// Longest name of a message or field in the tables.
+constexpr size_t name_limit = 16;
 
 uint32_t* const F_ADDR_cores[8] = {&F_ADDR_core0, &F_ADDR_core1, &F_ADDR_core2, &F_ADDR_core3,
                                    &F_ADDR_core4, &F_ADDR_core5, &F_ADDR_core6, &F_ADDR_core7};
@@ -108,7 +110,7 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
         text_span t(out, room);
         // "  :Msg Type = %s", "\n   TCODE = %02d : SRC = %02d "
         t.text("  :Msg Type = ");
-        t.cstr(msg.name);
+        t.cstr(msg.name, name_limit);
         t.text("\n   TCODE = ");
         t.dec(msg.tcode, 2);
         t.text(" : SRC = ");
@@ -128,7 +130,7 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
             const auto& v = field.value;
             // " %s/FADDR = " for the PC, " %s = " for the others
             t.text(" ");
-            t.cstr(field.name);
+            t.cstr(field.name, name_limit);
             if (field.role == nexus_role::pc) t.text("/FADDR = ");
             else t.text(" = ");
 
@@ -211,7 +213,7 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
     {
         auto out = std::make_unique<out_buffer>(stream);
         auto msg = std::make_unique<nexus_msg>();
-        be_cursor cursor(payload);
+        byte_cursor cursor(payload);
         uint32_t words[NEXUS_MAX_WORDS];
         int count = 0;
         int number = 0;

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
 
 const char* const hdr_table[24] = {
     "ARCH",     "BLHD",     "BLOC",     "DATA",     "DESC",     "DPID",

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "symbols/iberty.h"
+#include "support/out_buffer.h"
 #include "symbols/address_print.h"
 #include "symbols/cross_tool.h"
-#include "render/out_buffer.h"
 
 namespace {
 

@@ -4,12 +4,12 @@
 
 #include <memory>
 
-#include "render/text_search.h"
+#include "support/out_buffer.h"
+#include "support/text.h"
 #include "symbols/address_print.h"
 #include "symbols/calltrace.h"
 #include "symbols/cross_tool.h"
 #include "symbols/stack_walk.h"
-#include "render/out_buffer.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
+#include "run/krd_options.h"
 #include "symbols/load_module.h"
 #include "zdb_src/zdb.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
+#include "run/krd_options.h"
 #include "zdb_src/zdb.h"
 
 // Field limits of a record, in characters.

@@ -7,23 +7,14 @@
 #include <string>
 #include <vector>
 
-// Process-wide readers of a 32-bit and a 16-bit field, in the byte order of
-// the file examined last (set by ec_init).
-using zdb_ec32_fn = uint32_t (*)(const uint8_t* p);
-using zdb_ec16_fn = uint32_t (*)(const uint8_t* p);
-extern zdb_ec32_fn Z_EC32;
-extern zdb_ec16_fn Z_EC16;
+#include "support/byte_cursor.h"
 
-uint32_t __EC32(uint32_t v);
-uint32_t __EC32_CONV(uint32_t v);
-uint32_t __EC16(uint32_t v);
-uint32_t __EC16_CONV(uint32_t v);
-uint32_t __EC32_ALIGNED(const uint8_t* p);
-uint32_t __EC16_ALIGNED(const uint8_t* p);
-uint32_t __EC32_CONV_ALIGNED(const uint8_t* p);
-uint32_t __EC16_CONV_ALIGNED(const uint8_t* p);
+// The host's byte order: 4321 big-endian, 1234 any other.
 uint16_t ec_check_endian();
-void ec_init(uint8_t ei_data);
+// The order in which the fields of a file with this e_ident[EI_DATA] are
+// read: the host's own when the file declares it, else the other one, also
+// for a file that declares neither.
+byte_order ec_init(uint8_t ei_data);
 
 // One open symbol file. Section header fields point at the 40-byte entry in
 // the mapping, or are null when the file has no such section.
@@ -46,7 +37,14 @@ struct zdb_file {
     const uint8_t* debug_abbrev = nullptr;
     const uint8_t* debug_str = nullptr;
     std::unique_ptr<std::vector<const uint8_t*>> symbols;  // sorted by st_value, built on first lookup
+    byte_order order = byte_order::big;  // of the file's fields, set by ec_init
 };
+
+// Readers of a 32-bit and a 16-bit field of the file, in the byte order it
+// declares, at any alignment. `p` points into the file's mapping at a field
+// that the caller has found inside it.
+inline uint32_t Z_EC32(const zdb_file* f, const uint8_t* p) { return byte_cursor({p, 4}, 0, f->order).u32(); }
+inline uint32_t Z_EC16(const zdb_file* f, const uint8_t* p) { return byte_cursor({p, 2}, 0, f->order).u16(); }
 
 // The result of a translation: three strings inside `text`, found by offset;
 // offset 0 reads as the empty string.

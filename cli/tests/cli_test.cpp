@@ -5,7 +5,7 @@
 #include "cli/report.h"
 #include "pmd/tests/dump_fixture.h"
 #include "render/process_list.h"
-#include "render/text_search.h"
+#include "support/text.h"
 #include "tests/capture.h"
 
 namespace {

@@ -126,7 +126,7 @@ TEST(ElfOpen, FindsTheSectionsOfARealExecutable) {
     EXPECT_EQ(f.debug, nullptr);
     EXPECT_EQ(f.line, nullptr);
     EXPECT_EQ(zdb_find_section(&f, ".text"), f.text);
-    EXPECT_EQ(zdb_sh_addr(f.text) & 0xF0000000u, 0x10000000u);
+    EXPECT_EQ(zdb_sh_addr(&f, f.text) & 0xF0000000u, 0x10000000u);
     EXPECT_EQ(zdb_find_section(&f, ".tex"), nullptr);
     EXPECT_EQ(zdb_find_section(&f, ".no_such_section"), nullptr);
     zdb_close_file(&f);
@@ -152,7 +152,7 @@ TEST(ElfOpen, EmptyRecordAndStrippedFileGiveNoSymbol) {
     zdb_open_file(&f, fixture("ppc_app_stripped.elf").c_str());
     ASSERT_NE(f.text, nullptr);
     EXPECT_EQ(f.symtab, nullptr);
-    EXPECT_EQ(zdb_elf_translate_addr(&f, zdb_sh_addr(f.text)), nullptr);
-    EXPECT_EQ(zdb_translate_addr(&f, zdb_sh_addr(f.text)), nullptr);
+    EXPECT_EQ(zdb_elf_translate_addr(&f, zdb_sh_addr(&f, f.text)), nullptr);
+    EXPECT_EQ(zdb_translate_addr(&f, zdb_sh_addr(&f, f.text)), nullptr);
     zdb_close_file(&f);
 }
