@@ -14,7 +14,7 @@
 
 int te_heading_done = 0;
 
-void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
+run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
     const std::string& title = chain->title;
     const char* t = title.c_str();
     while (*t == ' ') t++;
@@ -37,13 +37,14 @@ void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* opti
 
     switch (chain->kind) {
     case KRD_KIND_ERROR: print_error_info(out, f, chain); break;
-    case KRD_KIND_MEMORY: print_memory_block(out, f, chain, options, 0); break;
+    case KRD_KIND_MEMORY: return print_memory_block(out, f, chain, options, 0);
     case KRD_KIND_PROGRAM: print_program_list(out, f, chain); break;
     case KRD_KIND_REGISTER: print_register_block(out, f, chain); break;
     case KRD_KIND_TEXT: print_text_block(out, f, chain); break;
     case KRD_KIND_SIGNAL: print_signal_block(out, f, chain); break;
     default: break;
     }
+    return RUN_GO_ON;
 }
 
 // The parameter's value: what stands behind the key and its one separator.
@@ -96,11 +97,11 @@ static bool is_binary(std::span<const uint8_t> p) {
     return false;
 }
 
-void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass) {
+run_step print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass) {
     krd_payload payload;
     switch (krd_read_chain_payload(f, chain, &payload)) {
-    case KRD_PAYLOAD_CORRUPT: std::fputs("  Corrupt Section.\n", out); return;
-    case KRD_PAYLOAD_EMPTY: std::fprintf(out, "\n %s is Empty !!!! \n", chain->title.c_str()); return;
+    case KRD_PAYLOAD_CORRUPT: std::fputs("  Corrupt Section.\n", out); return RUN_GO_ON;
+    case KRD_PAYLOAD_EMPTY: std::fprintf(out, "\n %s is Empty !!!! \n", chain->title.c_str()); return RUN_GO_ON;
     case KRD_PAYLOAD_INFLATE: std::fputs("  Cannot decompress section.\n", out); break;
     case KRD_PAYLOAD_OK: break;
     }
@@ -128,8 +129,13 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
         int r = te_print_log(out, buf, timer.c_str());
         if (r != 0) std::fprintf(out, "  Cannot read T&E log [trace ecode=%d]\n", r);
     } else if (title == "NPC TRACE BUFFER") {
-        if (nexus_files == 1 && !write_nexus_files(buf)) return;
-        int r = handle_nexus_log(out, f, options, buf);
+        if (nexus_files == 1 && !write_nexus_files(buf)) return RUN_GO_ON;
+        zdb_open_result symbols;
+        int r = handle_nexus_log(out, f, options, buf, &symbols);
+        if (!symbols.ok()) {
+            print_symbol_file_failure(symbols);
+            return RUN_ENDED;
+        }
         if (r != 0) std::fprintf(out, "  Cannot read NPC Trace Buffer [trace ecode=%d]\n", r);
     } else if ((title.starts_with("REGISTERS ") || title.starts_with("CPU registers")) && buf[0] != ' ' &&
                (buf.size() < 2 || buf[1] != ' ')) {
@@ -161,6 +167,7 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
     } else {
         print_text_dump(out, buf);
     }
+    return RUN_GO_ON;
 }
 
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain) {

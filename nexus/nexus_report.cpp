@@ -38,10 +38,13 @@ bool names_condition(const krd_options* options) {
     return options->symbol_file != nullptr && (options->flags & KRD_OPT_NEXUS_NAMES) != 0;
 }
 
-void print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr) {
+bool print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr,
+                        zdb_open_result* symbols) {
     out.put('\n');
     out.flush();
-    print_pc_addr(out.stream, f, options, addr);
+    zdb_open_result opened = print_pc_addr(out.stream, f, options, addr);
+    if (!opened.ok()) *symbols = opened;
+    return opened.ok();
 }
 
 void print_words(out_buffer& out, int number, const uint32_t* words, int count) {
@@ -59,7 +62,7 @@ void print_words(out_buffer& out, int number, const uint32_t* words, int count) 
 
 // msg is the section's one record, set up anew for each message.
 void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, nexus_msg& msg, const uint32_t* words,
-                            int count) {
+                            int count, zdb_open_result* symbols) {
     const uint8_t tcode = nexus_tcode(words[0]);
     int row = 0;
     const bool known = validate_tcode(tcode, &row);
@@ -79,7 +82,7 @@ void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, 
             get_msg_field_details(&msg, words[0], row);
         }
         get_msg_field_values(&msg, std::span<const uint32_t>(words, size_t(count)));
-        print_message(out, f, options, msg);
+        print_message(out, f, options, msg, symbols);
     }
 }
 
@@ -100,7 +103,8 @@ int search_in_file(out_buffer& out, const char* text) {
     return 0;
 }
 
-int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg) {
+int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg,
+                  zdb_open_result* symbols) {
     uint32_t pc = 0, uaddr = 0;
     {
         // The block up to the addresses' translations: at most 80 characters
@@ -190,21 +194,22 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
     const bool translate = names_condition(options);
     const int core = (msg.src >> 1) & 15;
     if (pc >= 2 && translate) {
-        print_address_line(out, f, options, pc);
+        if (!print_address_line(out, f, options, pc, symbols)) return 0;
         if (core <= 7) *F_ADDR_cores[core] = pc;
         else out_printf(out, "New core : %d", core);
     }
     if (uaddr >= 2 && translate) {
         if (core <= 7) uaddr ^= *F_ADDR_cores[core];
         else out_printf(out, "New core : %d", core);
-        print_address_line(out, f, options, uaddr);
+        if (!print_address_line(out, f, options, uaddr, symbols)) return 0;
     }
     // A translation has ended the line already.
     if (!((uaddr >= 2 || pc >= 2) && translate)) out.put('\n');
     return 0;
 }
 
-int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload) {
+int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload,
+                     zdb_open_result* symbols) {
     const size_t word_count = payload.size() / 4;
     if (word_count == 0) {
         std::fputs("Empty NPC trace !!!", stream);
@@ -228,7 +233,14 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
                 continue;
             }
             print_words(*out, ++number, words, count);
-            print_complete_message(*out, f, options, *msg, words, count);
+            zdb_open_result opened;
+            print_complete_message(*out, f, options, *msg, words, count, &opened);
+            if (!opened.ok()) {
+                // The run ends: the process list file stays behind.
+                *symbols = opened;
+                names = names_state{};
+                return 0;
+            }
             count = 0;
         }
     }

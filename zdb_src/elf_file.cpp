@@ -5,8 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <cerrno>
 #include <cstring>
 
 #include "zdb_src/zdb_internal.h"
@@ -117,46 +116,32 @@ void dwarf2_open_elf_file(zdb_file* file) {
     find_sections(file, dwarf2_sections);
 }
 
-void zdb_open_file(zdb_file* file, const char* path) {
+zdb_open_result zdb_open_file(zdb_file* file, const char* path) {
     *file = zdb_file{};
-    if (!path) return;
+    if (!path) return {};
 
     // Non-blocking, so that a FIFO given by mistake doesn't wait for a writer.
     int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
-        std::perror("\033[0mzdb: [open_elf_file]");
-        std::exit(1);
-    }
+    if (fd < 0) return {ZDB_OPEN_CANNOT_OPEN, errno};
     file->fd = fd;
+    auto failed = [file](zdb_open_status status, int error) {
+        zdb_close_file(file);
+        return zdb_open_result{status, error};
+    };
     struct stat st;
-    if (fstat(fd, &st) != 0) {
-        std::perror("zdb: [open_elf_file] ");
-        std::exit(1);
-    }
+    if (fstat(fd, &st) != 0) return failed(ZDB_OPEN_CANNOT_READ, errno);
     // 32-bit offsets reach no further than this.
     uint64_t size = st.st_size > 0 ? uint64_t(st.st_size) : 0;
     if (size > UINT32_MAX) size = UINT32_MAX;
-    if (size < ZDB_EHDR_SIZE) {
-        std::printf("zdb: This is not an ELF file\n");
-        std::exit(1);
-    }
+    if (size < ZDB_EHDR_SIZE) return failed(ZDB_OPEN_NOT_ELF, 0);
     void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
-    if (map == MAP_FAILED) {
-        std::perror("zdb: [open_elf_file] ");
-        std::exit(1);
-    }
+    if (map == MAP_FAILED) return failed(ZDB_OPEN_CANNOT_READ, errno);
     file->base = static_cast<const uint8_t*>(map);
     file->size = uint32_t(size);
 
-    switch (open_elf_file(file)) {
-    case ZDB_OPEN_OK:
-        return;
-    case ZDB_OPEN_NOT_ELF:
-        std::printf("zdb: This is not an ELF file\n");
-        std::exit(1);
-    case ZDB_OPEN_NOT_EXEC:
-        std::exit(1);
-    }
+    zdb_open_status status = open_elf_file(file);
+    if (status != ZDB_OPEN_OK) return failed(status, 0);
+    return {};
 }
 
 void zdb_close_file(zdb_file* file) {

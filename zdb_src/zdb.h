@@ -66,9 +66,26 @@ struct zdb_addr_info {
 };
 using zdb_addr_result = std::unique_ptr<zdb_addr_info>;
 
-// With a null path the record is made empty. Every failure to read a named
-// file ends the process with status 1.
-void zdb_open_file(zdb_file* file, const char* path);
+enum zdb_open_status {
+    ZDB_OPEN_OK = 0,
+    ZDB_OPEN_NOT_ELF,      // too short, no ELF magic, or a header or table outside the file
+    ZDB_OPEN_NOT_EXEC,     // a relocatable or shared file
+    ZDB_OPEN_CANNOT_OPEN,  // open failed
+    ZDB_OPEN_CANNOT_READ,  // fstat or mmap failed
+};
+
+// The outcome of opening a named file; `error` is the errno of a failed
+// system call.
+struct zdb_open_result {
+    zdb_open_status status = ZDB_OPEN_OK;
+    int error = 0;
+    bool ok() const { return status == ZDB_OPEN_OK; }
+};
+
+// With a null path the record is made empty. A file that cannot be read as
+// a symbol file leaves the record empty too; the caller tells the failure
+// and ends the run.
+zdb_open_result zdb_open_file(zdb_file* file, const char* path);
 void zdb_close_file(zdb_file* file);
 const uint8_t* zdb_find_section(const zdb_file* file, const char* name);
 zdb_addr_result zdb_elf_translate_addr(zdb_file* file, uint32_t addr);

@@ -38,14 +38,8 @@ inline uint32_t zdb_st_type(const uint8_t* sym) { return sym[12] & 0xFu; }
 std::span<const uint8_t> zdb_image(const zdb_file* f);
 std::span<const uint8_t> zdb_section_bytes(const zdb_file* f, const uint8_t* sh);
 
-enum zdb_open_status {
-    ZDB_OPEN_OK = 0,
-    ZDB_OPEN_NOT_ELF,   // no ELF magic, or a header or table outside the file
-    ZDB_OPEN_NOT_EXEC,  // a relocatable or shared file
-};
-
 // Examines the image at `base`, `size` of a zeroed record and finds its
-// sections. Never exits: zdb_open_file turns the status into the run's end.
+// sections.
 zdb_open_status open_elf_file(zdb_file* file);
 // The same pass at each DWARF 2 translation: the byte order of this file
 // holds for the reading that follows.
