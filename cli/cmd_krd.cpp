@@ -1,6 +1,5 @@
 #include <getopt.h>
 
-#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +10,9 @@
 
 #include "cli/report.h"
 #include "cli/report_output.h"
+#include "support/text.h"
 #include "symbols/calltrace.h"
+#include "symbols/cross_tool.h"
 
 int nexus_files = 0;
 const char* dump_file_name = nullptr;
@@ -22,10 +23,10 @@ int is_numeric_arg(const char* text) {
     int bad = 0;
     if (*p == 'x') {
         for (p++; *p; p++)
-            if (!std::isxdigit(uint8_t(*p))) bad++;
+            if (!is_xdigit(*p)) bad++;
     } else {
         for (; *p; p++)
-            if (!std::isdigit(uint8_t(*p))) bad++;
+            if (!is_digit(*p)) bad++;
     }
     return bad == 0;
 }
@@ -237,7 +238,10 @@ static int run_krd(int argc, char** argv, int* write_error) {
         if (any_failed) return usage_failure();
         krd_chain plist = krd_find_section(dump.get(), nullptr, "PROCESS LIST");
         if (plist) {
-            print_memory_block(out, dump.get(), plist.get(), &options, 1);
+            if (print_memory_block(out, dump.get(), plist.get(), &options, 1) == RUN_ENDED) {
+                if (out_name) *write_error = report_output_close(&file_out);
+                return 1;
+            }
             krd_free_chain(plist);
         } else {
             std::fputs("Error: No PROCESS LIST section found.\n", stderr);
@@ -249,21 +253,28 @@ static int run_krd(int argc, char** argv, int* write_error) {
 
     options.sigsym_failed = 0;
     print_dump_header(out, dump.get());
-    print_dump_sections(out, dump.get(), &options);
-    if (!(options.flags & (KRD_OPT_LIST | KRD_OPT_ERROR)) &&
-        !(options.sigsym_failed == 1 && !(options.flags & KRD_OPT_CONTINUE)))
-        print_calltrace(out, dump.get(), &options);
+    run_step step = print_dump_sections(out, dump.get(), &options);
+    if (step == RUN_GO_ON && !(options.flags & (KRD_OPT_LIST | KRD_OPT_ERROR)) &&
+        !(options.sigsym_failed == 1 && !(options.flags & KRD_OPT_CONTINUE))) {
+        zdb_open_result symbols = print_calltrace(out, dump.get(), &options);
+        if (!symbols.ok()) {
+            print_symbol_file_failure(symbols);
+            step = RUN_ENDED;
+        }
+    }
     krd_close_file(&dump);
     if (out_name) *write_error = report_output_close(&file_out);
-    return 0;
+    return step == RUN_ENDED ? 1 : 0;
 }
 
 int cmd_krd(int argc, char** argv) {
+    krd_read_failed = end_run_on_read_failure;
     static report_output std_out;
     report_output_open(&std_out, stdout);
     int file_error = 0;
     int status = run_krd(argc, argv, &file_error);
     int stdout_error = report_output_close(&std_out);
+    cross_tool_close_all();
     int error = file_error ? file_error : stdout_error;
     if (status != 0 || error == 0) return status;
     // A reader that closed the pipe (with SIGPIPE ignored) ends the run quietly.

@@ -14,9 +14,7 @@
 
 int te_heading_done = 0;
 
-static bool starts_with(const std::string& s, const char* prefix) { return s.compare(0, std::strlen(prefix), prefix) == 0; }
-
-void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
+run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
     const std::string& title = chain->title;
     const char* t = title.c_str();
     while (*t == ' ') t++;
@@ -28,7 +26,7 @@ void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* opti
             std::fprintf(out, "\n[%s]\n\n", t);
             te_heading_done = 1;
         }
-    } else if (starts_with(title, "SIGNAL QUEUE FOR PROCESS")) {
+    } else if (title.starts_with("SIGNAL QUEUE FOR PROCESS")) {
         std::fputc('\n', out);
         const char* name = find_process_name(title.c_str());
         if (name) std::fprintf(out, "\n[%s %s]\n", t, name);
@@ -39,13 +37,14 @@ void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* opti
 
     switch (chain->kind) {
     case KRD_KIND_ERROR: print_error_info(out, f, chain); break;
-    case KRD_KIND_MEMORY: print_memory_block(out, f, chain, options, 0); break;
+    case KRD_KIND_MEMORY: return print_memory_block(out, f, chain, options, 0);
     case KRD_KIND_PROGRAM: print_program_list(out, f, chain); break;
     case KRD_KIND_REGISTER: print_register_block(out, f, chain); break;
     case KRD_KIND_TEXT: print_text_block(out, f, chain); break;
     case KRD_KIND_SIGNAL: print_signal_block(out, f, chain); break;
     default: break;
     }
+    return RUN_GO_ON;
 }
 
 // The parameter's value: what stands behind the key and its one separator.
@@ -98,11 +97,11 @@ static bool is_binary(std::span<const uint8_t> p) {
     return false;
 }
 
-void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass) {
+run_step print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass) {
     krd_payload payload;
     switch (krd_read_chain_payload(f, chain, &payload)) {
-    case KRD_PAYLOAD_CORRUPT: std::fputs("  Corrupt Section.\n", out); return;
-    case KRD_PAYLOAD_EMPTY: std::fprintf(out, "\n %s is Empty !!!! \n", chain->title.c_str()); return;
+    case KRD_PAYLOAD_CORRUPT: std::fputs("  Corrupt Section.\n", out); return RUN_GO_ON;
+    case KRD_PAYLOAD_EMPTY: std::fprintf(out, "\n %s is Empty !!!! \n", chain->title.c_str()); return RUN_GO_ON;
     case KRD_PAYLOAD_INFLATE: std::fputs("  Cannot decompress section.\n", out); break;
     case KRD_PAYLOAD_OK: break;
     }
@@ -130,16 +129,21 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
         int r = te_print_log(out, buf, timer.c_str());
         if (r != 0) std::fprintf(out, "  Cannot read T&E log [trace ecode=%d]\n", r);
     } else if (title == "NPC TRACE BUFFER") {
-        if (nexus_files == 1 && !write_nexus_files(buf)) return;
-        int r = handle_nexus_log(out, f, options, buf);
+        if (nexus_files == 1 && !write_nexus_files(buf)) return RUN_GO_ON;
+        zdb_open_result symbols;
+        int r = handle_nexus_log(out, f, options, buf, &symbols);
+        if (!symbols.ok()) {
+            print_symbol_file_failure(symbols);
+            return RUN_ENDED;
+        }
         if (r != 0) std::fprintf(out, "  Cannot read NPC Trace Buffer [trace ecode=%d]\n", r);
-    } else if ((starts_with(title, "REGISTERS ") || starts_with(title, "CPU registers")) && buf[0] != ' ' &&
+    } else if ((title.starts_with("REGISTERS ") || title.starts_with("CPU registers")) && buf[0] != ' ' &&
                (buf.size() < 2 || buf[1] != ' ')) {
         std::fputc('\n', out);
         print_reg_text(out, buf);
-    } else if (starts_with(title, "RAMLOG")) {
+    } else if (title.starts_with("RAMLOG")) {
         print_ramlog(out, buf);
-    } else if (starts_with(title, "Stack for ") || title.find("STACK FOR") != std::string::npos) {
+    } else if (title.starts_with("Stack for ") || title.find("STACK FOR") != std::string::npos) {
         std::fputc('\n', out);
         print_stack_dump(out, buf, chain->image->address);
     } else if (!chain->is_text) {
@@ -149,13 +153,13 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
     } else if (first_pass == 1) {
         if (title == "PROCESS LIST") get_process_list(buf, options);
         else std::fputs("Error: No PROCESS LIST section found.\n", stderr);
-    } else if (starts_with(title, "SIGNAL QUEUE FOR PROCESS")) {
+    } else if (title.starts_with("SIGNAL QUEUE FOR PROCESS")) {
         unsigned pid = 0;
         std::sscanf(title.c_str(), "SIGNAL QUEUE FOR PROCESS %x", &pid);
         print_signalqueue(out, buf, pid, options);
-    } else if (starts_with(title, "KERNEL TRACE CONTENTS")) {
+    } else if (title.starts_with("KERNEL TRACE CONTENTS")) {
         print_kernel_trace_signals(out, buf, options);
-    } else if (starts_with(title, "PROCESS LIST") && (options->flags & KRD_OPT_NEXUS_NAMES)) {
+    } else if (title.starts_with("PROCESS LIST") && (options->flags & KRD_OPT_NEXUS_NAMES)) {
         print_text_process_dump(out, buf);
     } else if (title == "PROCESS SWAP IN LIST") {
         std::string board = system_param_value(out, f, "target_board");
@@ -163,6 +167,7 @@ void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options*
     } else {
         print_text_dump(out, buf);
     }
+    return RUN_GO_ON;
 }
 
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain) {

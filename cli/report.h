@@ -5,10 +5,11 @@
 #include <cstdio>
 #include <span>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
 #include "pmd/section_chain.h"
+#include "run/krd_options.h"
 #include "signals/signals.h"
+#include "zdb_src/zdb.h"
 
 inline constexpr const char* KRD_PRODUCT_ID = "LQZ 551 0137";
 inline constexpr const char* KRD_VERSION = "R32.2";
@@ -21,15 +22,27 @@ void print_usage();
 void print_help(FILE* stream = stderr);
 void print_version(FILE* stream = stderr);
 
+// Whether the report goes on after a step. RUN_ENDED: a failure that ends
+// the run has been told, and the exit status is 1.
+enum run_step { RUN_GO_ON = 0, RUN_ENDED = 1 };
+
 void print_dump_header(FILE* out, krd_file* f);
-void print_dump_sections(FILE* out, krd_file* f, krd_options* options);
+run_step print_dump_sections(FILE* out, krd_file* f, krd_options* options);
 void print_section_line(FILE* out, krd_file* f, krd_section* chain, uint32_t flags, uint32_t* base_sec,
                         uint32_t* base_usec);
 const char* find_process_name(const char* title);
 
-void print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
-void print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
+run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
+run_step print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
+
+// Failures that end the run, told as it ends.
+void print_symbol_file_failure(const zdb_open_result& failure);
+void end_run_on_read_failure(krd_file* f, int error);
 
 // Set once the T&E heading has been printed in this run.
 extern int te_heading_done;
+// Run-wide values outside the options record: -N / -nexus_files, and the
+// dump's path.
+extern int nexus_files;
+extern const char* dump_file_name;

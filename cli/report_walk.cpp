@@ -3,7 +3,7 @@
 
 #include "cli/report.h"
 #include "render/process_list.h"
-#include "render/text_search.h"
+#include "support/text.h"
 
 void print_dump_header(FILE* out, krd_file* f) {
     std::fputs("\n[OUTPUT OF DUMP INFORMATION]\n\n", out);
@@ -64,12 +64,11 @@ void print_section_line(FILE* out, krd_file*, krd_section* chain, uint32_t flags
     else std::fprintf(out, "%s\n", title);
 }
 
-void print_dump_sections(FILE* out, krd_file* f, krd_options* options) {
+run_step print_dump_sections(FILE* out, krd_file* f, krd_options* options) {
     if (options->flags & KRD_OPT_ERROR) {
         krd_chain c = krd_find_section(f, nullptr, "ERROR CODE");
         if (!c) c = krd_find_section(f, nullptr, "[GENERAL INFORMATION]");
-        if (c) print_section(out, f, c.get(), options);
-        return;
+        return c ? print_section(out, f, c.get(), options) : RUN_GO_ON;
     }
     const bool list = options->flags & KRD_OPT_LIST;
     if (list) {
@@ -82,14 +81,16 @@ void print_dump_sections(FILE* out, krd_file* f, krd_options* options) {
     uint32_t cursor = 0, base_sec = 0, base_usec = 0;
     if (krd_chain plist = krd_find_section(f, nullptr, "PROCESS LIST")) load_process_rows(out, f, plist.get());
 
+    run_step step = RUN_GO_ON;
     krd_chain chain = krd_find_section(f, &cursor, "");
     if (chain) {
-        if ((options->flags & KRD_OPT_ZIP) && handle_sigsymb_file(out, options) != 0) return;
+        if ((options->flags & KRD_OPT_ZIP) && handle_sigsymb_file(out, options) != 0) return RUN_GO_ON;
         const char* filter = options->section_filter ? options->section_filter : "";
         while (chain) {
             if (list) print_section_line(out, f, chain.get(), options->flags, &base_sec, &base_usec);
-            else if (xstrcasestr(chain->title.c_str(), filter)) print_section(out, f, chain.get(), options);
+            else if (xstrcasestr(chain->title.c_str(), filter)) step = print_section(out, f, chain.get(), options);
             krd_free_chain(chain);
+            if (step == RUN_ENDED) break;
             if (!(options->flags & KRD_OPT_CONTINUE) && options->sigsym_failed == 1) break;
             chain = krd_get_section(f, &cursor);
         }
@@ -99,4 +100,5 @@ void print_dump_sections(FILE* out, krd_file* f, krd_options* options) {
         ssmUnloadAll();
         free_process_list();
     }
+    return step;
 }

@@ -3,6 +3,8 @@
 
 #include <cstdio>
 
+#include "support/byte_cursor.h"
+
 uint32_t lg_size = 0;
 lg_cursor lg_entries[LG_MAX_ENTRIES];
 std::span<const uint8_t> lg_image;
@@ -24,13 +26,6 @@ uint32_t lg_getU32(lg_cursor& cursor) {
     return v;
 }
 
-// A word outside the walk's ring, such as a guard word.
-static uint32_t word_at(lg_cursor at) {
-    uint32_t v = 0;
-    for (lg_cursor p = at; p < at + 4; p++) v = v << 8 | (p < lg_image.size() ? lg_image[p] : 0);
-    return v;
-}
-
 int lg_find_entries(std::span<const uint8_t> image, lg_cursor area, uint32_t size, uint32_t* count,
                     int check_magic) {
     lg_image = image;
@@ -39,9 +34,9 @@ int lg_find_entries(std::span<const uint8_t> image, lg_cursor area, uint32_t siz
     lg_cursor limit = area + (size & ~3u) + 4;
     lg_cursor base = area;
     if (check_magic) {
-        if (word_at(area) != LG_GUARD_WORD) return LG_AREA_CORRUPT;
+        if (be32_at(lg_image, area) != LG_GUARD_WORD) return LG_AREA_CORRUPT;
         base = area + 4;
-        if (word_at(limit) != LG_GUARD_WORD) return LG_AREA_CORRUPT;
+        if (be32_at(lg_image, limit) != LG_GUARD_WORD) return LG_AREA_CORRUPT;
     }
     // Shorter than its head the area has no ring to walk, and the wrap
     // would move a cursor forward instead of back.

@@ -8,6 +8,7 @@
 #include "errlog/te_log.h"
 #include "errlog/trace_image.h"
 #include "render/dump_printers.h"
+#include "support/text.h"
 
 namespace {
 
@@ -42,24 +43,13 @@ std::span<const uint8_t> entry_text_area(std::span<const uint8_t> img, uint64_t 
     return img.subspan(size_t(from), size_t(to - from));
 }
 
-// The zero-terminated text at a position of the text area; the area's end
-// also ends it, so a damaged entry cannot print its neighbours' bytes.
-std::string_view area_text(std::span<const uint8_t> area, uint64_t pos) {
-    if (pos >= area.size()) return {};
-    const char* p = reinterpret_cast<const char*>(area.data() + pos);
-    const size_t n = area.size() - size_t(pos);
-    const void* nul = std::memchr(p, 0, n);
-    return {p, nul ? size_t(static_cast<const char*>(nul) - p) : n};
-}
-
 char char_at(std::string_view s, size_t i) { return i < s.size() ? s[i] : '\0'; }
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // The leading integer of the timer text, as "%d" reads it; a text without
 // one gives 0, so that each entry shows the time of its reference point.
 uint32_t timer_multiplier(const char* text) {
     const char* p = text;
-    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) p++;
+    while (is_space(*p)) p++;
     bool negative = false;
     if (*p == '+' || *p == '-') negative = *p++ == '-';
     uint32_t value = 0;
@@ -109,7 +99,7 @@ void te_print_entry(FILE* stream, const trace_cursor& cursor, const char* timer_
     // A message may begin with a two-digit number, optionally marked with an
     // asterisk, or with an asterisk alone; these go in brackets in front.
     const std::span<const uint8_t> texts = entry_text_area(img, data, cursor.size);
-    const std::string_view m = area_text(texts, msg_pos);
+    const std::string_view m = string_at(texts, msg_pos);
     size_t skip = 0;
     if (is_digit(char_at(m, 0)) && is_digit(char_at(m, 1)) && char_at(m, 2) == ' ') {
         std::fprintf(stream, "[%c%c", m[0], m[1]);
@@ -128,9 +118,9 @@ void te_print_entry(FILE* stream, const trace_cursor& cursor, const char* timer_
     const char* group_name = te_group_name(group);
     print_view(stream, m.substr(skip));
     std::fputc(' ', stream);
-    print_view(stream, area_text(texts, file_pos));
+    print_view(stream, string_at(texts, file_pos));
     std::fprintf(stream, ":%d %s:", int(line), group_name);
-    print_view(stream, area_text(texts, suffix_pos));
+    print_view(stream, string_at(texts, suffix_pos));
     std::fputc('\n', stream);
 
     if (bin_pos != 0 && bin_len != 0) {

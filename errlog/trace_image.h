@@ -6,20 +6,15 @@
 #include <span>
 
 #include "errlog/trace_ring.h"
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
 
 inline bool img_has(std::span<const uint8_t> img, uint64_t pos, uint64_t n) {
     return pos <= img.size() && n <= img.size() - pos;
 }
 
-inline uint32_t img_u32(std::span<const uint8_t> img, uint64_t pos) {
-    if (!img_has(img, pos, 4)) return 0;
-    be_cursor c(img, size_t(pos));
-    return c.u32();
-}
+inline uint32_t img_u32(std::span<const uint8_t> img, uint64_t pos) { return be32_at(img, size_t(pos)); }
 inline uint16_t img_u16(std::span<const uint8_t> img, uint64_t pos) {
-    if (!img_has(img, pos, 2)) return 0;
-    be_cursor c(img, size_t(pos));
+    byte_cursor c(img, size_t(pos));
     return c.u16();
 }
 inline uint8_t img_u8(std::span<const uint8_t> img, uint64_t pos) { return img_has(img, pos, 1) ? img[pos] : 0; }
@@ -55,7 +50,7 @@ struct trace_block {
 inline trace_block read_block(std::span<const uint8_t> img, uint64_t pos) {
     trace_block b;
     if (pos > img.size()) return b;
-    be_cursor c(img, size_t(pos));
+    byte_cursor c(img, size_t(pos));
     b.ticks = c.u32();
     b.microsecs = c.u32();
     b.size = c.u16();

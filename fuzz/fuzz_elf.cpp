@@ -22,10 +22,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (open_elf_file(&file) == ZDB_OPEN_OK) {
         std::vector<uint32_t> addrs = {0, 0x10000000};
         if (file.text) {
-            uint32_t low = zdb_sh_addr(file.text), length = zdb_sh_size(file.text);
+            uint32_t low = zdb_sh_addr(&file, file.text), length = zdb_sh_size(&file, file.text);
             addrs.insert(addrs.end(), {low, low + length, low + length / 2, low + length + 1});
         }
-        if (size >= 4) addrs.push_back(Z_EC32(data + size - 4));
+        if (size >= 4) addrs.push_back(Z_EC32(&file, data + size - 4));
         for (uint32_t addr : addrs) {
             zdb_translate_addr(&file, addr);
             // Straight to the readers too: the ELF gate would keep most inputs out.

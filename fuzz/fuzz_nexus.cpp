@@ -65,6 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         write_process_list(words.data(), words.size() < 4096 ? words.size() : 4096);
     }
     if (mode == 2 && !fx.elf.empty()) options.symbol_file = fx.elf.c_str();
-    handle_nexus_log(fx.sink, fx.dump.get(), &options, words);
+    zdb_open_result symbols;
+    handle_nexus_log(fx.sink, fx.dump.get(), &options, words, &symbols);
     return 0;
 }

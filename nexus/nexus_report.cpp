@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "nexus/nexus.h"
-#include "nexus/report_text.h"
 #include "nexus/process_names.h"
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
+#include "support/text_span.h"
 #include "symbols/calltrace.h"
 
 uint32_t last_addr = 0;
@@ -18,6 +18,8 @@ uint32_t F_ADDR_core4 = 0, F_ADDR_core5 = 0, F_ADDR_core6 = 0, F_ADDR_core7 = 0;
 namespace {
 
 constexpr const char* proc_list_name = "Proc_list_temp.txt";
+// Longest name of a message or field in the tables.
+constexpr size_t name_limit = 16;
 
 uint32_t* const F_ADDR_cores[8] = {&F_ADDR_core0, &F_ADDR_core1, &F_ADDR_core2, &F_ADDR_core3,
                                    &F_ADDR_core4, &F_ADDR_core5, &F_ADDR_core6, &F_ADDR_core7};
@@ -36,10 +38,13 @@ bool names_condition(const krd_options* options) {
     return options->symbol_file != nullptr && (options->flags & KRD_OPT_NEXUS_NAMES) != 0;
 }
 
-void print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr) {
+bool print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr,
+                        zdb_open_result* symbols) {
     out.put('\n');
     out.flush();
-    print_pc_addr(out.stream, f, options, addr);
+    zdb_open_result opened = print_pc_addr(out.stream, f, options, addr);
+    if (!opened.ok()) *symbols = opened;
+    return opened.ok();
 }
 
 void print_words(out_buffer& out, int number, const uint32_t* words, int count) {
@@ -57,7 +62,7 @@ void print_words(out_buffer& out, int number, const uint32_t* words, int count) 
 
 // msg is the section's one record, set up anew for each message.
 void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, nexus_msg& msg, const uint32_t* words,
-                            int count) {
+                            int count, zdb_open_result* symbols) {
     const uint8_t tcode = nexus_tcode(words[0]);
     int row = 0;
     const bool known = validate_tcode(tcode, &row);
@@ -77,7 +82,7 @@ void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, 
             get_msg_field_details(&msg, words[0], row);
         }
         get_msg_field_values(&msg, std::span<const uint32_t>(words, size_t(count)));
-        print_message(out, f, options, msg);
+        print_message(out, f, options, msg, symbols);
     }
 }
 
@@ -98,7 +103,8 @@ int search_in_file(out_buffer& out, const char* text) {
     return 0;
 }
 
-int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg) {
+int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg,
+                  zdb_open_result* symbols) {
     uint32_t pc = 0, uaddr = 0;
     {
         // The block up to the addresses' translations: at most 80 characters
@@ -108,7 +114,7 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
         text_span t(out, room);
         // "  :Msg Type = %s", "\n   TCODE = %02d : SRC = %02d "
         t.text("  :Msg Type = ");
-        t.cstr(msg.name);
+        t.cstr(msg.name, name_limit);
         t.text("\n   TCODE = ");
         t.dec(msg.tcode, 2);
         t.text(" : SRC = ");
@@ -128,7 +134,7 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
             const auto& v = field.value;
             // " %s/FADDR = " for the PC, " %s = " for the others
             t.text(" ");
-            t.cstr(field.name);
+            t.cstr(field.name, name_limit);
             if (field.role == nexus_role::pc) t.text("/FADDR = ");
             else t.text(" = ");
 
@@ -188,21 +194,22 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
     const bool translate = names_condition(options);
     const int core = (msg.src >> 1) & 15;
     if (pc >= 2 && translate) {
-        print_address_line(out, f, options, pc);
+        if (!print_address_line(out, f, options, pc, symbols)) return 0;
         if (core <= 7) *F_ADDR_cores[core] = pc;
         else out_printf(out, "New core : %d", core);
     }
     if (uaddr >= 2 && translate) {
         if (core <= 7) uaddr ^= *F_ADDR_cores[core];
         else out_printf(out, "New core : %d", core);
-        print_address_line(out, f, options, uaddr);
+        if (!print_address_line(out, f, options, uaddr, symbols)) return 0;
     }
     // A translation has ended the line already.
     if (!((uaddr >= 2 || pc >= 2) && translate)) out.put('\n');
     return 0;
 }
 
-int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload) {
+int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload,
+                     zdb_open_result* symbols) {
     const size_t word_count = payload.size() / 4;
     if (word_count == 0) {
         std::fputs("Empty NPC trace !!!", stream);
@@ -211,7 +218,7 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
     {
         auto out = std::make_unique<out_buffer>(stream);
         auto msg = std::make_unique<nexus_msg>();
-        be_cursor cursor(payload);
+        byte_cursor cursor(payload);
         uint32_t words[NEXUS_MAX_WORDS];
         int count = 0;
         int number = 0;
@@ -226,7 +233,14 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
                 continue;
             }
             print_words(*out, ++number, words, count);
-            print_complete_message(*out, f, options, *msg, words, count);
+            zdb_open_result opened;
+            print_complete_message(*out, f, options, *msg, words, count, &opened);
+            if (!opened.ok()) {
+                // The run ends: the process list file stays behind.
+                *symbols = opened;
+                names = names_state{};
+                return 0;
+            }
             count = 0;
         }
     }

@@ -13,7 +13,8 @@ constexpr int line_bits = 28;
 // (far beyond any board's process count) is searched line by line.
 constexpr size_t index_limit = size_t(1) << 22;
 
-bool is_hex_digit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
+// Identities are printed with "%lx": lower-case digits only.
+bool is_lower_hex_digit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
 uint32_t digit_value(char c) { return c <= '9' ? uint32_t(c - '0') : uint32_t(c - 'a' + 10); }
 
 // An identity is printed without leading zeros, so only such strings are
@@ -22,7 +23,7 @@ std::optional<uint64_t> key_of(const char* text, size_t len) {
     if (len == 0 || len > 8 || (text[0] == '0' && len > 1)) return std::nullopt;
     uint64_t value = 0;
     for (size_t i = 0; i < len; i++) {
-        if (!is_hex_digit(text[i])) return std::nullopt;
+        if (!is_lower_hex_digit(text[i])) return std::nullopt;
         value = value << 4 | digit_value(text[i]);
     }
     return uint64_t(len) << 32 | value;
@@ -33,13 +34,13 @@ template <class Add>
 void keys_in_line(const std::string& line, Add&& add) {
     const size_t n = line.size();
     for (size_t start = 0; start < n; start++) {
-        if (!is_hex_digit(line[start])) continue;
+        if (!is_lower_hex_digit(line[start])) continue;
         if (line[start] == '0') {
             add(uint64_t(1) << 32);
             continue;
         }
         uint64_t value = 0;
-        for (size_t len = 1; len <= 8 && start + len <= n && is_hex_digit(line[start + len - 1]); len++) {
+        for (size_t len = 1; len <= 8 && start + len <= n && is_lower_hex_digit(line[start + len - 1]); len++) {
             value = value << 4 | digit_value(line[start + len - 1]);
             add(uint64_t(len) << 32 | value);
         }

@@ -5,11 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
 
 const char* const hdr_table[24] = {
     "ARCH",     "BLHD",     "BLOC",     "DATA",     "DESC",     "DPID",
@@ -28,6 +27,7 @@ void free_buf(void* block_var) {
 z_alloc_fn z_alloc = default_z_alloc;
 z_free_fn z_free = free_buf;
 krd_get_byte_fn krd_get_byte = krd_read_byte;
+krd_read_failed_fn krd_read_failed = nullptr;
 
 uint64_t krd_next_serial() {
     static uint64_t last = 0;
@@ -127,14 +127,19 @@ uint64_t krd_bytes_after(const krd_file* f, uint64_t offset) {
     return offset < f->real_size ? f->real_size - offset : 0;
 }
 
+static void read_failed(krd_file* f, int error) {
+    f->read_error = error ? error : EIO;
+    if (krd_read_failed) krd_read_failed(f, f->read_error);
+}
+
 void krd_fill_buffer(krd_file* f) {
     if (!f->buffer) f->buffer = std::make_unique<uint8_t[]>(KRD_BUFFER_SIZE);
     f->buf_start = f->pos;
     if (f->is_file) {
-        ssize_t got = read_at(f->fd, f->buffer.get(), KRD_BUFFER_SIZE, f->pos);
+        ssize_t got = f->read_error ? 0 : read_at(f->fd, f->buffer.get(), KRD_BUFFER_SIZE, f->pos);
         if (got < 0) {
-            std::perror("fseek");
-            std::exit(1);
+            read_failed(f, errno);
+            got = 0;
         }
         f->buf_count = uint32_t(got);
     } else {
@@ -147,7 +152,7 @@ uint8_t krd_read_byte(krd_file* f) {
     if (!f->buffer || f->pos - f->buf_start >= f->buf_count) {
         // Past the end of the file there is nothing to fill from: read zeros
         // without asking the file again for every byte.
-        if (f->pos >= f->real_size) {
+        if (f->pos >= f->real_size || f->read_error) {
             f->pos++;
             return 0;
         }
@@ -182,12 +187,12 @@ void krd_read_bytes(krd_file* f, uint8_t* dst, uint32_t n) {
     if (done == n) return;
     uint32_t rest = n - done;
     ssize_t got = 0;
-    if (f->pos < f->real_size) {
+    if (f->pos < f->real_size && !f->read_error) {
         if (f->is_file) {
             got = read_at(f->fd, dst + done, rest, f->pos);
             if (got < 0) {
-                std::perror("fseek");
-                std::exit(1);
+                read_failed(f, errno);
+                got = 0;
             }
         } else {
             while (uint32_t(got) < rest) {

@@ -57,6 +57,7 @@ struct krd_file {
     // The file stays open for the life of the handle instead of being
     // reopened at every fill.
     int fd = -1;
+    int read_error = 0;      // errno of a read that failed; from then on reads give zeros
     uint64_t real_size = 0;  // bytes the file really holds (for allocation bounds)
 
     // Where a title searched from the first section was found (or that it
@@ -107,6 +108,12 @@ using z_buffer = std::unique_ptr<uint8_t[], z_deleter>;
 // The byte getter used by the payload code.
 using krd_get_byte_fn = uint8_t (*)(krd_file* f);
 extern krd_get_byte_fn krd_get_byte;
+
+// Called when the dump cannot be read at a fill, with the errno of the read.
+// The reader carries on as past the file's end; a host that cannot go on
+// without the bytes ends the run here. None by default.
+using krd_read_failed_fn = void (*)(krd_file* f, int error);
+extern krd_read_failed_fn krd_read_failed;
 
 // Exactly one of dump_id (non-zero) and file_name must be given. error: 0
 // success, 1 not a PMD file, 2 cannot be opened, 3 wrong arguments.

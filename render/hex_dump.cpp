@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "render/dump_printers.h"
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 
 static const char lower_hex[] = "0123456789abcdef";
 

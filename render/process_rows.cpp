@@ -7,6 +7,7 @@
 
 #include "pmd/section_payload.h"
 #include "render/process_list.h"
+#include "support/text.h"
 
 std::vector<process_row> process_rows;
 uint32_t process_row_count = 0;
@@ -15,8 +16,6 @@ uint32_t process_row_capacity = 0;
 namespace {
 
 constexpr uint32_t rows_per_step = 1024;
-
-bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
 
 // Another step of cleared rows; false at the limit or with no memory.
 bool grow_rows() {

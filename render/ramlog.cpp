@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "pmd/byte_cursor.h"
-#include "render/out_buffer.h"
+#include "support/byte_cursor.h"
+#include "support/out_buffer.h"
 
 void print_ramlog_text_dump(FILE* stream, std::span<const uint8_t> text) {
     auto out = std::make_unique<out_buffer>(stream);
@@ -16,7 +16,7 @@ void print_ramlog_text_dump(FILE* stream, std::span<const uint8_t> text) {
 
 void print_ramlog(FILE* stream, std::span<const uint8_t> payload) {
     // Words missing from a short payload read as 0.
-    be_cursor c(payload);
+    byte_cursor c(payload);
     const uint32_t a_count = c.u32();
     const uint32_t b_count = c.u32();
     const uint32_t size = c.u32();

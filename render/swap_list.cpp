@@ -5,8 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "render/out_buffer.h"
 #include "render/process_list.h"
+#include "support/out_buffer.h"
+#include "support/text.h"
 
 namespace {
 
@@ -17,9 +18,6 @@ constexpr swap_board swap_board_table[] = {
     {"vnl3", 486},    {"tkr6", 150},    {"fzh4", 75},     {"mrq", 75},
     {"tkr7", 150},    {"fzh3", 66},     {"QOT1", 50},     {"default", 66},
 };
-
-bool is_space(uint8_t c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // Stamps come from a 32-bit timer that counts down; they are kept in
 // extended precision so that the differences show exact hundredths.

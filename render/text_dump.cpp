@@ -1,7 +1,7 @@
 #include <memory>
 
 #include "render/dump_printers.h"
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 
 // Every line indented by two blanks; zero bytes and carriage returns carry
 // no meaning in a text section.

@@ -60,7 +60,7 @@ uint32_t read_hex_signal(const char*& text, size_t& remaining, std::span<uint8_t
             char pair[2] = {*p, 0};
             skip_formatting(stop, end);
             if (!text_ended(stop, end)) pair[1] = *stop++;
-            if (!text_is_xdigit(pair[1])) {
+            if (!is_xdigit(pair[1])) {
                 p++;
                 break;
             }

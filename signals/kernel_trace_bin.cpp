@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "pmd/byte_cursor.h"
 #include "signals/kernel_trace_bin.h"
 #include "signals/signals.h"
+#include "support/byte_cursor.h"
 
 pid_name_list pidNameList;
 
@@ -65,7 +65,7 @@ struct trace_record {
     bool ok = true;
 
     uint32_t word(size_t offset) {
-        be_cursor c(data, body + offset);
+        byte_cursor c(data, body + offset);
         uint32_t v = c.u32();
         if (!c.ok()) ok = false;
         return v;
@@ -162,7 +162,7 @@ void print_trace_sect(FILE* stream, std::span<const uint8_t> data) {
     size_t pos = 0;
     uint64_t foreign = data.size();
     while (pos < data.size()) {
-        be_cursor c(data, pos);
+        byte_cursor c(data, pos);
         uint32_t length = c.u32();
         if (!c.ok() || length > c.remaining()) break;
         trace_record r{data, pos + 4, pos + 4 + size_t(length), &foreign};

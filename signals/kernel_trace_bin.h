@@ -7,7 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 
 // Names of processes as the trace's name records give them. A later name for
 // a pid hides an earlier one, so only the newest is kept.

@@ -44,7 +44,7 @@ struct trace_scan {
 const char* skip_space(trace_scan& scan, const char* p, const char* end) {
     if (!(scan.space_from && scan.space_from <= p && p <= scan.space_to)) {
         scan.space_from = scan.space_to = p;
-        while (!text_ended(scan.space_to, end) && text_is_space(*scan.space_to)) scan.space_to++;
+        while (!text_ended(scan.space_to, end) && is_space(*scan.space_to)) scan.space_to++;
     }
     return scan.space_to;
 }

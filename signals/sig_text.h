@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/krd_options.h"
+#include "run/krd_options.h"
 #include "signals/signals.h"
 
 // One process of the process list and the load module of its block.

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <span>
 
-#include "cli/krd_options.h"
+#include "run/krd_options.h"
 
 // One signal on its way to print_signal.
 struct krd_signal_record {

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/krd_options.h"
+#include "run/krd_options.h"
 #include "signals/signals.h"
 
 // Result codes of the manager; ssmResultText gives their words.

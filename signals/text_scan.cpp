@@ -68,11 +68,11 @@ static number_read read_digits(const char*& p, const char* end, int base, bool n
 
 uint32_t text_strtoul_hex(const char* p, const char* end, const char** stop) {
     const char* start = p;
-    while (!text_ended(p, end) && text_is_space(*p)) p++;
+    while (!text_ended(p, end) && is_space(*p)) p++;
     bool negative = false;
     if (!text_ended(p, end) && (*p == '+' || *p == '-')) negative = *p++ == '-';
     // "0x" counts only in front of a digit; otherwise the 0 is the number.
-    if (!text_ended(p, end) && *p == '0' && end - p > 2 && (p[1] == 'x' || p[1] == 'X') && text_is_xdigit(p[2]))
+    if (!text_ended(p, end) && *p == '0' && end - p > 2 && (p[1] == 'x' || p[1] == 'X') && is_xdigit(p[2]))
         p += 2;
     number_read r = read_digits(p, end, 16, negative);
     *stop = r.digits ? p : start;
@@ -107,9 +107,9 @@ int text_scanf(const char* p, const char* end, const char* format, ...) {
     bool input_failure = false;
     const char* f = format;
     while (*f) {
-        if (text_is_space(*f)) {
-            while (text_is_space(*f)) f++;
-            while (!text_ended(p, end) && text_is_space(*p)) p++;
+        if (is_space(*f)) {
+            while (is_space(*f)) f++;
+            while (!text_ended(p, end) && is_space(*p)) p++;
             continue;
         }
         if (*f != '%') {
@@ -128,7 +128,7 @@ int text_scanf(const char* p, const char* end, const char* format, ...) {
         size_t width = 0;
         while (*f >= '0' && *f <= '9') width = width * 10 + size_t(*f++ - '0');
         char conv = *f++;
-        while (!text_ended(p, end) && text_is_space(*p)) p++;
+        while (!text_ended(p, end) && is_space(*p)) p++;
         if (text_ended(p, end)) {
             input_failure = true;
             break;
@@ -136,7 +136,7 @@ int text_scanf(const char* p, const char* end, const char* format, ...) {
         if (conv == 's') {
             char* out = assign ? va_arg(args, char*) : nullptr;
             size_t n = 0;
-            while (!text_ended(p, end) && !text_is_space(*p) && (width == 0 || n < width)) {
+            while (!text_ended(p, end) && !is_space(*p) && (width == 0 || n < width)) {
                 if (out) out[n] = *p;
                 n++;
                 p++;

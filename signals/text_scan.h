@@ -9,18 +9,12 @@
 #include <cstdint>
 #include <string_view>
 
+#include "support/text.h"
+
 // Where a text of this size really ends: at its first zero byte, if any.
 const char* text_limit(const char* text, size_t size);
 
 inline bool text_ended(const char* p, const char* end) { return p >= end || *p == 0; }
-
-// The blanks of scanf and strtoul: blank, tab, line feed, vertical tab,
-// form feed, carriage return.
-inline bool text_is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-inline bool text_is_xdigit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
 
 // First place at or behind p where the pattern starts, or null; a zero byte
 // ends the text as it would end a C string.

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "symbols/iberty.h"
+#include "support/out_buffer.h"
 #include "symbols/address_print.h"
 #include "symbols/cross_tool.h"
-#include "render/out_buffer.h"
 
 namespace {
 
@@ -182,7 +182,7 @@ void print_pc_addr_release() {
     c.dump = nullptr;
 }
 
-void print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
+zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
     pc_addr_cache& c = cache();
     const char* wanted = options->symbol_file;
     if (!same_dump(c, f) || c.have_symbols != (wanted != nullptr) || (wanted && c.symbol_file != wanted)) {
@@ -193,10 +193,15 @@ void print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t add
         c.dump_id = f->dump_id;
         c.time_sec = f->time_sec;
         c.time_usec = f->time_usec;
-        zdb_open_file(&c.symbols, wanted);
+        zdb_open_result opened = zdb_open_file(&c.symbols, wanted);
+        if (!opened.ok()) {
+            c.dump = nullptr;
+            return opened;
+        }
         c.have_symbols = wanted != nullptr;
         c.symbol_file = wanted ? wanted : "";
         c.list = parse_lm_table(f);
     }
     print_address(stream, &c.symbols, c.list.get(), addr, options, "");
+    return {};
 }

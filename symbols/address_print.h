@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 #include "symbols/calltrace.h"
 #include "symbols/cross_tool.h"
 

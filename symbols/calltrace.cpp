@@ -4,12 +4,12 @@
 
 #include <memory>
 
-#include "render/text_search.h"
+#include "support/out_buffer.h"
+#include "support/text.h"
 #include "symbols/address_print.h"
 #include "symbols/calltrace.h"
 #include "symbols/cross_tool.h"
 #include "symbols/stack_walk.h"
-#include "render/out_buffer.h"
 
 namespace {
 
@@ -78,15 +78,20 @@ void prefetch_answers(const trace_context& ctx, const std::vector<register_set>&
 
 }  // namespace
 
-void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
+zdb_open_result print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
     zdb_file symbols;
-    zdb_open_file(&symbols, options->symbol_file);
+    zdb_open_result opened = zdb_open_file(&symbols, options->symbol_file);
+    if (!opened.ok()) return opened;
     std::string product_id;
     if (options->symbol_file && access(options->symbol_file, F_OK) == 0) product_id = lm_product_id(options->symbol_file);
 
     lm_table list = parse_lm_table(f);
     stack_images stacks = read_stack_images(f);
-    attach_symbols_lm_table(list.get(), options);
+    opened = attach_symbols_lm_table(list.get(), options);
+    if (!opened.ok()) {
+        zdb_close_file(&symbols);
+        return opened;
+    }
 
     std::vector<register_set> sets;
     if (options->stack_pointer != 0) sets.push_back(user_register_set(options->stack_pointer));
@@ -108,4 +113,5 @@ void print_calltrace(FILE* stream, krd_file* f, krd_options* options) {
     zdb_close_file(&symbols);
     print_pc_addr_release();
     cross_tool_close_all();
+    return {};
 }

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
+#include "run/krd_options.h"
 #include "symbols/load_module.h"
 #include "zdb_src/zdb.h"
 
@@ -15,8 +15,10 @@ inline constexpr uint32_t LM_LINK_BASE = 0x10000000;
 inline constexpr uint32_t SYSCALL_FIRST = 0xC00;
 inline constexpr uint32_t SYSCALL_LAST = 0xFFF;
 
-void print_calltrace(FILE* stream, krd_file* f, krd_options* options);
-void print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr);
+// Both print nothing when the -e file, or an -m file, cannot be read as a
+// symbol file; they return why, and the run ends.
+zdb_open_result print_calltrace(FILE* stream, krd_file* f, krd_options* options);
+zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr);
 // One address: load module column, then position and function. Ends the line.
 void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
                    const char* product_id);

@@ -42,7 +42,6 @@ struct tool_state {
     bool looked_up = false;
     std::string path;
     std::map<std::string, tool_file> files;
-    bool exit_hook = false;
 };
 
 tool_state& state() {
@@ -211,14 +210,7 @@ void ask_file(const std::string& elf_file, tool_file& tf, std::vector<uint32_t> 
     sigprocmask(SIG_SETMASK, &old, nullptr);
 }
 
-tool_file& file_state(const std::string& elf_file) {
-    tool_state& s = state();
-    if (!s.exit_hook) {
-        s.exit_hook = true;
-        std::atexit(cross_tool_close_all);
-    }
-    return s.files[elf_file];
-}
+tool_file& file_state(const std::string& elf_file) { return state().files[elf_file]; }
 
 }  // namespace
 

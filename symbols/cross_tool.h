@@ -36,7 +36,9 @@ struct cross_tool_request {
     uint32_t lookup;
 };
 void cross_tool_prefetch(const std::vector<cross_tool_request>& requests);
-// Ends every tool process and forgets the tool's path and its answers.
+// Ends every tool process and forgets the tool's path and its answers. The
+// call trace does it when it is done; the run, for tools that the Nexus
+// report started in a run without a call trace.
 void cross_tool_close_all();
 // Cuts the tool's two lines as a reader of lines of up to 1022 characters would.
 cross_tool_answer cross_tool_cut_answer(const std::string& first, const std::string& second, int lines_read);

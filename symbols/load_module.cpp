@@ -194,8 +194,8 @@ load_module* lm_find_by_name(lm_list* list, const char* name) {
     return nullptr;
 }
 
-void attach_symbols_lm_table(lm_list* list, const krd_options* options) {
-    if (!list) return;
+zdb_open_result attach_symbols_lm_table(lm_list* list, const krd_options* options) {
+    if (!list) return {};
     for (int i = 0; i < options->mapping_count; i++) {
         const char* file = options->mapping_files[i];
         if (!file || access(file, F_OK) != 0) continue;
@@ -203,9 +203,11 @@ void attach_symbols_lm_table(lm_list* list, const krd_options* options) {
         load_module* lm = lm_find_by_name(list, product_id.c_str());
         if (!lm) continue;
         zdb_file_ptr symbols(new zdb_file);
-        zdb_open_file(symbols.get(), file);
+        zdb_open_result opened = zdb_open_file(symbols.get(), file);
+        if (!opened.ok()) return opened;
         lm->symbols = std::move(symbols);
         // The whole name: it is handed to the tool as one argument.
         lm->elf_path = file;
     }
+    return {};
 }

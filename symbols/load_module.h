@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/krd_options.h"
 #include "pmd/krd_file.h"
+#include "run/krd_options.h"
 #include "zdb_src/zdb.h"
 
 // Field limits of a record, in characters.
@@ -51,7 +51,9 @@ using lm_table = std::unique_ptr<lm_list>;
 lm_table parse_lm_table(krd_file* f);
 // The parse of a fetched text; text_form is 1 for a "LOAD MODULE INFORMATION" text.
 lm_table lm_parse_text(std::span<const uint8_t> text, int text_form);
-void attach_symbols_lm_table(lm_list* list, const krd_options* options);
+// The -m files that name a module of the list, opened for it. Stops at a
+// file that cannot be read as a symbol file, and returns why.
+zdb_open_result attach_symbols_lm_table(lm_list* list, const krd_options* options);
 const load_module* find_load_module(const lm_list* list, uint32_t addr);
 load_module* lm_find_by_name(lm_list* list, const char* name);
 void lm_apply_builtin(lm_list* list);

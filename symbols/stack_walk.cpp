@@ -9,11 +9,11 @@
 #include <set>
 #include <unordered_set>
 
-#include "pmd/byte_cursor.h"
 #include "pmd/section_chain.h"
 #include "pmd/section_payload.h"
+#include "support/byte_cursor.h"
+#include "support/out_buffer.h"
 #include "symbols/target_number.h"
-#include "render/out_buffer.h"
 
 namespace {
 
@@ -152,7 +152,7 @@ walk_end walk_stack(const stack_images& stacks, uint32_t sp,
         if (seen.count(sp)) return walk_end::loop;
         if (frames == STACK_WALK_MAX_FRAMES) return walk_end::too_deep;
         // A frame in the image's last 8 bytes has no room for its two words.
-        be_cursor frame(std::span<const uint8_t>(img->data.data(), img->size), sp - img->start);
+        byte_cursor frame(std::span<const uint8_t>(img->data.data(), img->size), sp - img->start);
         stack_frame fr;
         fr.back_chain = frame.u32();
         fr.saved_lr = frame.u32();

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "pmd/krd_file.h"
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 #include "symbols/load_module.h"
 
 inline constexpr size_t CALLTRACE_TITLE_MAX = 127;

@@ -2,12 +2,13 @@
 // becomes 0xFFFFFFFF, a negative one wraps modulo 2^32.
 #pragma once
 
-#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 
+#include "support/text.h"
+
 inline uint32_t strtoul32(const char* s, int base) {
-    while (std::isspace(uint8_t(*s))) s++;
+    while (is_space(*s)) s++;
     bool negative = *s == '-';
     if (*s == '-' || *s == '+') s++;
     if (*s == '-' || *s == '+') return 0;

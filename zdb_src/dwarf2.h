@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "pmd/byte_cursor.h"
+#include "support/byte_cursor.h"
 #include "zdb_src/zdb.h"
 
 namespace zdb_dwarf2 {
@@ -54,21 +54,20 @@ struct dwarf2_value {
     std::string_view string;
 };
 
-uint8_t read_u8(be_cursor& c);
-int8_t read_s8(be_cursor& c);
-uint16_t read_u16(be_cursor& c);
-uint32_t read_u32(be_cursor& c);
-uint64_t read_u64(be_cursor& c);
-uint32_t read_uleb128(be_cursor& c);
-uint32_t read_sleb128(be_cursor& c);
-std::string_view read_string(be_cursor& c);
+uint8_t read_u8(byte_cursor& c);
+int8_t read_s8(byte_cursor& c);
+uint16_t read_u16(byte_cursor& c);
+uint32_t read_u32(byte_cursor& c);
+uint64_t read_u64(byte_cursor& c);
+// read_uleb128 and read_sleb128 come with the cursor.
+std::string_view read_string(byte_cursor& c);
 
 // Where the unit's entries end: where find_cu finds the next unit.
 uint32_t unit_end(const dwarf2_sections& s, const dwarf2_cu& cu);
 
 int find_cu(const dwarf2_sections& s, dwarf2_cu* cu);
 uint32_t find_abbrev(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t code);
-bool read_attr(const dwarf2_sections& s, be_cursor& c, uint32_t form, dwarf2_value* value);
+bool read_attr(const dwarf2_sections& s, byte_cursor& c, uint32_t form, dwarf2_value* value);
 int find_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, dwarf2_die* die);
 int find_attribute(const dwarf2_sections& s, const dwarf2_cu& cu, const dwarf2_die& die, uint32_t attribute,
                    dwarf2_value* value);

@@ -67,12 +67,12 @@ row_result emit_row(const line_header& h, line_state& st, uint32_t addr, std::st
 
 int find_fileline(const dwarf2_sections& s, uint64_t offset, uint32_t addr, std::string* file_name,
                   int32_t* line, std::string* file_dir) {
-    be_cursor head(s.line, offset);
+    byte_cursor head(s.line, offset);
     uint32_t total = read_u32(head);
     if (!head.ok()) return 0;
     uint64_t end = uint64_t(head.tell()) + total;
     if (end > s.line.size()) end = s.line.size();
-    be_cursor p(s.line.first(end), head.tell());
+    byte_cursor p(s.line.first(end), head.tell());
 
     line_header h;
     read_u16(p);  // version, not tested

@@ -6,46 +6,15 @@
 
 namespace zdb_dwarf2 {
 
-uint8_t read_u8(be_cursor& c) { return c.u8(); }
-int8_t read_s8(be_cursor& c) { return int8_t(c.u8()); }
-uint16_t read_u16(be_cursor& c) { return c.u16(); }
-uint32_t read_u32(be_cursor& c) { return c.u32(); }
+uint8_t read_u8(byte_cursor& c) { return c.u8(); }
+int8_t read_s8(byte_cursor& c) { return int8_t(c.u8()); }
+uint16_t read_u16(byte_cursor& c) { return c.u16(); }
+uint32_t read_u32(byte_cursor& c) { return c.u32(); }
 
-uint64_t read_u64(be_cursor& c) {
-    uint64_t high = c.u32();
-    return high << 32 | c.u32();
-}
-
-// Bits beyond 32 are dropped; a run without an end stops at the bound.
-uint32_t read_uleb128(be_cursor& c) {
-    uint32_t result = 0;
-    unsigned shift = 0;
-    for (;;) {
-        uint8_t byte = c.u8();
-        if (!c.ok()) return 0;
-        if (shift < 32) result |= uint32_t(byte & 0x7f) << shift;
-        if (!(byte & 0x80)) return result;
-        if (shift < 32) shift += 7;
-    }
-}
-
-uint32_t read_sleb128(be_cursor& c) {
-    uint32_t result = 0;
-    unsigned shift = 0;
-    for (;;) {
-        uint8_t byte = c.u8();
-        if (!c.ok()) return 0;
-        if (shift < 32) result |= uint32_t(byte & 0x7f) << shift;
-        if (shift < 32) shift += 7;
-        if (!(byte & 0x80)) {
-            if (shift < 32 && (byte & 0x40)) result |= ~uint32_t(0) << shift;
-            return result;
-        }
-    }
-}
+uint64_t read_u64(byte_cursor& c) { return c.u64(); }
 
 // A string in place; one without its NUL inside the bound fails the cursor.
-std::string_view read_string(be_cursor& c) {
+std::string_view read_string(byte_cursor& c) {
     size_t start = c.tell();
     while (c.u8() != 0) {
     }
@@ -62,7 +31,7 @@ int find_cu(const dwarf2_sections& s, dwarf2_cu* cu) {
     // In 64 bits, so that a huge length cannot lead back to an earlier unit.
     uint64_t next = cu->entries_offset == 0 ? 0 : uint64_t(cu->entries_offset) + cu->unit_length - 7;
     if (next >= s.info.size()) return 0;
-    be_cursor c(s.info, next);
+    byte_cursor c(s.info, next);
     dwarf2_cu found;
     found.unit_offset = uint32_t(next);
     found.unit_length = read_u32(c);
@@ -78,15 +47,15 @@ int find_cu(const dwarf2_sections& s, dwarf2_cu* cu) {
 namespace {
 
 // Steps an abbreviation cursor over tag and children flag to the pairs.
-void skip_abbrev_head(be_cursor& a) {
+void skip_abbrev_head(byte_cursor& a) {
     read_uleb128(a);
     read_u8(a);
 }
 
 // Reads the values of the entry whose abbreviation is at `abbrev`, from the
 // info cursor. `last` tells whether the abbreviation ends its table.
-bool skip_values(const dwarf2_sections& s, uint32_t abbrev, be_cursor& c, bool* last) {
-    be_cursor a(s.abbrev, abbrev);
+bool skip_values(const dwarf2_sections& s, uint32_t abbrev, byte_cursor& c, bool* last) {
+    byte_cursor a(s.abbrev, abbrev);
     skip_abbrev_head(a);
     dwarf2_value ignored;
     for (;;) {
@@ -100,14 +69,14 @@ bool skip_values(const dwarf2_sections& s, uint32_t abbrev, be_cursor& c, bool* 
     return true;
 }
 
-be_cursor unit_cursor(const dwarf2_sections& s, const dwarf2_cu& cu, uint64_t at) {
-    return be_cursor(s.info.first(unit_end(s, cu)), at);
+byte_cursor unit_cursor(const dwarf2_sections& s, const dwarf2_cu& cu, uint64_t at) {
+    return byte_cursor(s.info.first(unit_end(s, cu)), at);
 }
 
 }  // namespace
 
 uint32_t find_abbrev(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t code) {
-    be_cursor a(s.abbrev, cu.abbrev_offset);
+    byte_cursor a(s.abbrev, cu.abbrev_offset);
     for (;;) {
         uint32_t found = read_uleb128(a);
         if (!a.ok() || found == 0) break;
@@ -120,7 +89,7 @@ uint32_t find_abbrev(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t cod
     return 0;
 }
 
-bool read_attr(const dwarf2_sections& s, be_cursor& c, uint32_t form, dwarf2_value* value) {
+bool read_attr(const dwarf2_sections& s, byte_cursor& c, uint32_t form, dwarf2_value* value) {
     *value = dwarf2_value{};
     switch (form) {
     case 1: case 6: case 16: case 19:
@@ -146,7 +115,7 @@ bool read_attr(const dwarf2_sections& s, be_cursor& c, uint32_t form, dwarf2_val
         break;
     case 14:
         value->number = read_u32(c);
-        value->string = zdb_string_at(s.str, value->number);
+        value->string = string_at(s.str, value->number);
         break;
     case 10: case 3: case 4: case 9: {
         uint32_t length = form == 10 ? read_u8(c) : form == 3 ? read_u16(c) : form == 4 ? read_u32(c) : read_uleb128(c);
@@ -163,7 +132,7 @@ bool read_attr(const dwarf2_sections& s, be_cursor& c, uint32_t form, dwarf2_val
 
 int find_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, dwarf2_die* die) {
     uint32_t end = unit_end(s, cu);
-    be_cursor c = unit_cursor(s, cu, die->values ? die->values : cu.entries_offset);
+    byte_cursor c = unit_cursor(s, cu, die->values ? die->values : cu.entries_offset);
     bool last = false;
     if (die->values && !skip_values(s, die->abbrev, c, &last)) return 0;
     for (;;) {
@@ -172,7 +141,7 @@ int find_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, dwarf2
         if (code == 0) continue;
         uint32_t abbrev = find_abbrev(s, cu, code);
         if (abbrev == 0) return 0;
-        be_cursor a(s.abbrev, abbrev);
+        byte_cursor a(s.abbrev, abbrev);
         if (read_uleb128(a) == tag) {
             *die = {abbrev, uint32_t(c.tell())};
             return 1;
@@ -184,9 +153,9 @@ int find_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, dwarf2
 int find_attribute(const dwarf2_sections& s, const dwarf2_cu& cu, const dwarf2_die& die, uint32_t attribute,
                    dwarf2_value* value) {
     if (die.values == 0) return 0;
-    be_cursor a(s.abbrev, die.abbrev);
+    byte_cursor a(s.abbrev, die.abbrev);
     skip_abbrev_head(a);
-    be_cursor c = unit_cursor(s, cu, die.values);
+    byte_cursor c = unit_cursor(s, cu, die.values);
     for (;;) {
         uint32_t name = read_uleb128(a);
         uint32_t form = read_uleb128(a);
@@ -200,7 +169,7 @@ int get_tag(const dwarf2_sections& s, const dwarf2_cu& cu, uint64_t offset, dwar
     uint32_t end = unit_end(s, cu);
     uint64_t at = uint64_t(cu.unit_offset) + offset;
     if (at >= end) return 0;
-    be_cursor c = unit_cursor(s, cu, at);
+    byte_cursor c = unit_cursor(s, cu, at);
     uint32_t code = read_uleb128(c);
     if (!c.ok() || c.tell() >= end) return 0;
     // A reference to a null entry is looked up like any code, and not found.

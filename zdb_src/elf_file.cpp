@@ -5,8 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <cerrno>
 #include <cstring>
 
 #include "zdb_src/zdb_internal.h"
@@ -59,13 +58,13 @@ const uint8_t* section_table(const zdb_file* f) {
 }
 
 bool section_inside_file(const zdb_file* f, const uint8_t* sh) {
-    return zdb_sh_type(sh) == ZDB_SHT_NOBITS || inside_file(f, zdb_sh_offset(sh), zdb_sh_size(sh));
+    return zdb_sh_type(f, sh) == ZDB_SHT_NOBITS || inside_file(f, zdb_sh_offset(f, sh), zdb_sh_size(f, sh));
 }
 
 // Byte order first: the magic test comes after it.
 bool examine_header(zdb_file* f) {
     f->ehdr = f->base;
-    ec_init(f->size > 5 ? f->base[5] : 0);
+    f->order = ec_init(f->size > 5 ? f->base[5] : 0);
     if (f->size < ZDB_EHDR_SIZE) return false;
     return std::memcmp(f->base, "\x7f" "ELF", 4) == 0;
 }
@@ -83,19 +82,11 @@ std::span<const uint8_t> zdb_image(const zdb_file* f) {
 }
 
 std::span<const uint8_t> zdb_section_bytes(const zdb_file* f, const uint8_t* sh) {
-    if (!f->base || !sh || zdb_sh_type(sh) == ZDB_SHT_NOBITS) return {};
-    uint32_t offset = zdb_sh_offset(sh);
-    uint32_t size = zdb_sh_size(sh);
+    if (!f->base || !sh || zdb_sh_type(f, sh) == ZDB_SHT_NOBITS) return {};
+    uint32_t offset = zdb_sh_offset(f, sh);
+    uint32_t size = zdb_sh_size(f, sh);
     if (!inside_file(f, offset, size)) return {};
     return zdb_image(f).subspan(offset, size);
-}
-
-std::string_view zdb_string_at(std::span<const uint8_t> bytes, uint64_t offset) {
-    if (offset >= bytes.size()) return {};
-    const char* start = reinterpret_cast<const char*>(bytes.data()) + offset;
-    size_t room = bytes.size() - offset;
-    const void* nul = std::memchr(start, 0, room);
-    return {start, nul ? size_t(static_cast<const char*>(nul) - start) : room};
 }
 
 zdb_open_status open_elf_file(zdb_file* file) {
@@ -125,46 +116,32 @@ void dwarf2_open_elf_file(zdb_file* file) {
     find_sections(file, dwarf2_sections);
 }
 
-void zdb_open_file(zdb_file* file, const char* path) {
+zdb_open_result zdb_open_file(zdb_file* file, const char* path) {
     *file = zdb_file{};
-    if (!path) return;
+    if (!path) return {};
 
     // Non-blocking, so that a FIFO given by mistake doesn't wait for a writer.
     int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
-        std::perror("\033[0mzdb: [open_elf_file]");
-        std::exit(1);
-    }
+    if (fd < 0) return {ZDB_OPEN_CANNOT_OPEN, errno};
     file->fd = fd;
+    auto failed = [file](zdb_open_status status, int error) {
+        zdb_close_file(file);
+        return zdb_open_result{status, error};
+    };
     struct stat st;
-    if (fstat(fd, &st) != 0) {
-        std::perror("zdb: [open_elf_file] ");
-        std::exit(1);
-    }
+    if (fstat(fd, &st) != 0) return failed(ZDB_OPEN_CANNOT_READ, errno);
     // 32-bit offsets reach no further than this.
     uint64_t size = st.st_size > 0 ? uint64_t(st.st_size) : 0;
     if (size > UINT32_MAX) size = UINT32_MAX;
-    if (size < ZDB_EHDR_SIZE) {
-        std::printf("zdb: This is not an ELF file\n");
-        std::exit(1);
-    }
+    if (size < ZDB_EHDR_SIZE) return failed(ZDB_OPEN_NOT_ELF, 0);
     void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
-    if (map == MAP_FAILED) {
-        std::perror("zdb: [open_elf_file] ");
-        std::exit(1);
-    }
+    if (map == MAP_FAILED) return failed(ZDB_OPEN_CANNOT_READ, errno);
     file->base = static_cast<const uint8_t*>(map);
     file->size = uint32_t(size);
 
-    switch (open_elf_file(file)) {
-    case ZDB_OPEN_OK:
-        return;
-    case ZDB_OPEN_NOT_ELF:
-        std::printf("zdb: This is not an ELF file\n");
-        std::exit(1);
-    case ZDB_OPEN_NOT_EXEC:
-        std::exit(1);
-    }
+    zdb_open_status status = open_elf_file(file);
+    if (status != ZDB_OPEN_OK) return failed(status, 0);
+    return {};
 }
 
 void zdb_close_file(zdb_file* file) {
@@ -183,8 +160,8 @@ const uint8_t* zdb_find_section(const zdb_file* file, const char* name) {
     auto names = zdb_section_bytes(file, table + names_index * ZDB_SHDR_SIZE);
     for (uint32_t i = 0; i < count; i++) {
         const uint8_t* sh = table + i * ZDB_SHDR_SIZE;
-        uint32_t at = zdb_sh_name(sh);
-        std::string_view found = zdb_string_at(names, at);
+        uint32_t at = zdb_sh_name(file, sh);
+        std::string_view found = string_at(names, at);
         // A name cut off by the table's end, without its NUL, is no match.
         if (found == name && uint64_t(at) + found.size() < names.size()) return sh;
     }

@@ -7,23 +7,14 @@
 #include <string>
 #include <vector>
 
-// Process-wide readers of a 32-bit and a 16-bit field, in the byte order of
-// the file examined last (set by ec_init).
-using zdb_ec32_fn = uint32_t (*)(const uint8_t* p);
-using zdb_ec16_fn = uint32_t (*)(const uint8_t* p);
-extern zdb_ec32_fn Z_EC32;
-extern zdb_ec16_fn Z_EC16;
+#include "support/byte_cursor.h"
 
-uint32_t __EC32(uint32_t v);
-uint32_t __EC32_CONV(uint32_t v);
-uint32_t __EC16(uint32_t v);
-uint32_t __EC16_CONV(uint32_t v);
-uint32_t __EC32_ALIGNED(const uint8_t* p);
-uint32_t __EC16_ALIGNED(const uint8_t* p);
-uint32_t __EC32_CONV_ALIGNED(const uint8_t* p);
-uint32_t __EC16_CONV_ALIGNED(const uint8_t* p);
+// The host's byte order: 4321 big-endian, 1234 any other.
 uint16_t ec_check_endian();
-void ec_init(uint8_t ei_data);
+// The order in which the fields of a file with this e_ident[EI_DATA] are
+// read: the host's own when the file declares it, else the other one, also
+// for a file that declares neither.
+byte_order ec_init(uint8_t ei_data);
 
 // One open symbol file. Section header fields point at the 40-byte entry in
 // the mapping, or are null when the file has no such section.
@@ -46,7 +37,14 @@ struct zdb_file {
     const uint8_t* debug_abbrev = nullptr;
     const uint8_t* debug_str = nullptr;
     std::unique_ptr<std::vector<const uint8_t*>> symbols;  // sorted by st_value, built on first lookup
+    byte_order order = byte_order::big;  // of the file's fields, set by ec_init
 };
+
+// Readers of a 32-bit and a 16-bit field of the file, in the byte order it
+// declares, at any alignment. `p` points into the file's mapping at a field
+// that the caller has found inside it.
+inline uint32_t Z_EC32(const zdb_file* f, const uint8_t* p) { return byte_cursor({p, 4}, 0, f->order).u32(); }
+inline uint32_t Z_EC16(const zdb_file* f, const uint8_t* p) { return byte_cursor({p, 2}, 0, f->order).u16(); }
 
 // The result of a translation: three strings inside `text`, found by offset;
 // offset 0 reads as the empty string.
@@ -68,9 +66,26 @@ struct zdb_addr_info {
 };
 using zdb_addr_result = std::unique_ptr<zdb_addr_info>;
 
-// With a null path the record is made empty. Every failure to read a named
-// file ends the process with status 1.
-void zdb_open_file(zdb_file* file, const char* path);
+enum zdb_open_status {
+    ZDB_OPEN_OK = 0,
+    ZDB_OPEN_NOT_ELF,      // too short, no ELF magic, or a header or table outside the file
+    ZDB_OPEN_NOT_EXEC,     // a relocatable or shared file
+    ZDB_OPEN_CANNOT_OPEN,  // open failed
+    ZDB_OPEN_CANNOT_READ,  // fstat or mmap failed
+};
+
+// The outcome of opening a named file; `error` is the errno of a failed
+// system call.
+struct zdb_open_result {
+    zdb_open_status status = ZDB_OPEN_OK;
+    int error = 0;
+    bool ok() const { return status == ZDB_OPEN_OK; }
+};
+
+// With a null path the record is made empty. A file that cannot be read as
+// a symbol file leaves the record empty too; the caller tells the failure
+// and ends the run.
+zdb_open_result zdb_open_file(zdb_file* file, const char* path);
 void zdb_close_file(zdb_file* file);
 const uint8_t* zdb_find_section(const zdb_file* file, const char* name);
 zdb_addr_result zdb_elf_translate_addr(zdb_file* file, uint32_t addr);

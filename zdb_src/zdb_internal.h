@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "support/text.h"
 #include "zdb_src/zdb.h"
 
 // ELF32 layout: fixed entry sizes whatever the header claims.
@@ -15,21 +16,21 @@ constexpr uint32_t ZDB_SYM_SIZE = 16;
 constexpr uint16_t ZDB_ET_EXEC = 2;
 constexpr uint32_t ZDB_SHT_NOBITS = 8;
 
-inline uint32_t zdb_e_type(const zdb_file* f) { return Z_EC16(f->ehdr + 16) & 0xFFFFu; }
-inline uint32_t zdb_e_shoff(const zdb_file* f) { return Z_EC32(f->ehdr + 32); }
-inline uint32_t zdb_e_shnum(const zdb_file* f) { return Z_EC16(f->ehdr + 48) & 0xFFFFu; }
-inline uint32_t zdb_e_shstrndx(const zdb_file* f) { return Z_EC16(f->ehdr + 50) & 0xFFFFu; }
+inline uint32_t zdb_e_type(const zdb_file* f) { return Z_EC16(f, f->ehdr + 16); }
+inline uint32_t zdb_e_shoff(const zdb_file* f) { return Z_EC32(f, f->ehdr + 32); }
+inline uint32_t zdb_e_shnum(const zdb_file* f) { return Z_EC16(f, f->ehdr + 48); }
+inline uint32_t zdb_e_shstrndx(const zdb_file* f) { return Z_EC16(f, f->ehdr + 50); }
 
 // Section header fields; `sh` points at a whole 40-byte entry in the mapping.
-inline uint32_t zdb_sh_name(const uint8_t* sh) { return Z_EC32(sh); }
-inline uint32_t zdb_sh_type(const uint8_t* sh) { return Z_EC32(sh + 4); }
-inline uint32_t zdb_sh_addr(const uint8_t* sh) { return Z_EC32(sh + 12); }
-inline uint32_t zdb_sh_offset(const uint8_t* sh) { return Z_EC32(sh + 16); }
-inline uint32_t zdb_sh_size(const uint8_t* sh) { return Z_EC32(sh + 20); }
+inline uint32_t zdb_sh_name(const zdb_file* f, const uint8_t* sh) { return Z_EC32(f, sh); }
+inline uint32_t zdb_sh_type(const zdb_file* f, const uint8_t* sh) { return Z_EC32(f, sh + 4); }
+inline uint32_t zdb_sh_addr(const zdb_file* f, const uint8_t* sh) { return Z_EC32(f, sh + 12); }
+inline uint32_t zdb_sh_offset(const zdb_file* f, const uint8_t* sh) { return Z_EC32(f, sh + 16); }
+inline uint32_t zdb_sh_size(const zdb_file* f, const uint8_t* sh) { return Z_EC32(f, sh + 20); }
 
 // Symbol fields; `sym` points at a whole 16-byte entry.
-inline uint32_t zdb_st_name(const uint8_t* sym) { return Z_EC32(sym); }
-inline uint32_t zdb_st_value(const uint8_t* sym) { return Z_EC32(sym + 4); }
+inline uint32_t zdb_st_name(const zdb_file* f, const uint8_t* sym) { return Z_EC32(f, sym); }
+inline uint32_t zdb_st_value(const zdb_file* f, const uint8_t* sym) { return Z_EC32(f, sym + 4); }
 inline uint32_t zdb_st_type(const uint8_t* sym) { return sym[12] & 0xFu; }
 
 // The file's bytes, and the bytes of one section. A missing or NOBITS
@@ -37,18 +38,8 @@ inline uint32_t zdb_st_type(const uint8_t* sym) { return sym[12] & 0xFu; }
 std::span<const uint8_t> zdb_image(const zdb_file* f);
 std::span<const uint8_t> zdb_section_bytes(const zdb_file* f, const uint8_t* sh);
 
-// The NUL-terminated text at `offset` in `bytes`, cut at the end of the bytes;
-// empty when the offset lies outside.
-std::string_view zdb_string_at(std::span<const uint8_t> bytes, uint64_t offset);
-
-enum zdb_open_status {
-    ZDB_OPEN_OK = 0,
-    ZDB_OPEN_NOT_ELF,   // no ELF magic, or a header or table outside the file
-    ZDB_OPEN_NOT_EXEC,  // a relocatable or shared file
-};
-
 // Examines the image at `base`, `size` of a zeroed record and finds its
-// sections. Never exits: zdb_open_file turns the status into the run's end.
+// sections.
 zdb_open_status open_elf_file(zdb_file* file);
 // The same pass at each DWARF 2 translation: the byte order of this file
 // holds for the reading that follows.

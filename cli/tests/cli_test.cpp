@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "cli/report.h"
 #include "pmd/tests/dump_fixture.h"
 #include "render/process_list.h"
-#include "render/text_search.h"
 #include "tests/capture.h"
 
 namespace {
@@ -15,14 +16,33 @@ TEST(NumericArgument, PrefixesAndDigits) {
     for (const char* bad : {"0X1F", "-1", "12a", "0x1G", "00x1", " 1"}) EXPECT_EQ(is_numeric_arg(bad), 0) << bad;
 }
 
-TEST(TextSearch, CaseFoldedSubstring) {
-    const char* title = "Stack for process";
-    EXPECT_EQ(xstrcasestr(title, "STACK"), title);
-    EXPECT_EQ(xstrcasestr(title, "PROC"), title + 10);
-    EXPECT_EQ(xstrcasestr(title, ""), title);
-    EXPECT_EQ(xstrcasestr(title, nullptr), title);
-    EXPECT_EQ(xstrcasestr(nullptr, "x"), nullptr);
-    EXPECT_EQ(xstrcasestr(title, "stacks"), nullptr);
+// What a failure printer writes to standard output and standard error.
+template <class Print>
+std::pair<std::string, std::string> standard_streams(Print&& print) {
+    std::string err;
+    FILE* saved_err = stderr;
+    std::string out = capture([&](FILE* o) {
+        FILE* saved_out = stdout;
+        stdout = o;
+        err = capture([&](FILE* e) {
+            stderr = e;
+            print();
+        });
+        stderr = saved_err;
+        stdout = saved_out;
+    });
+    return {out, err};
+}
+
+TEST(RunFailure, SymbolFileFailuresInTheirWordsAndStreams) {
+    using streams = std::pair<std::string, std::string>;
+    auto told = [](zdb_open_status status, int error) {
+        return standard_streams([&] { print_symbol_file_failure({status, error}); });
+    };
+    EXPECT_EQ(told(ZDB_OPEN_CANNOT_OPEN, ENOENT), streams("", "\033[0mzdb: [open_elf_file]: No such file or directory\n"));
+    EXPECT_EQ(told(ZDB_OPEN_CANNOT_READ, ENODEV), streams("", "zdb: [open_elf_file] : No such device\n"));
+    EXPECT_EQ(told(ZDB_OPEN_NOT_ELF, 0), streams("zdb: This is not an ELF file\n", ""));
+    EXPECT_EQ(told(ZDB_OPEN_NOT_EXEC, 0), streams("", ""));
 }
 
 struct rows_guard {

@@ -26,7 +26,7 @@ std::string random_text(std::mt19937& rng) {
 bool fits_32_bits(const std::string& s) {
     int run = 0;
     for (char c : s) {
-        run = text_is_xdigit(c) ? run + 1 : 0;
+        run = is_xdigit(c) ? run + 1 : 0;
         if (run > 8) return false;
     }
     return true;

@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(BothByteOrders, Dwarf1Translation, testing::Bool(),
                          [](const auto& info) { return info.param ? "BigEndian" : "LittleEndian"; });
 
 TEST(Dwarf1Damaged, WalksEndOnBadLengthsFormsAndSiblings) {
-    ec_init(2);
+    const byte_order big = byte_order::big;
     dwarf1_writer w = two_units(true);
     std::span<const uint8_t> debug = w.debug.out, line = w.line.out;
     uint64_t limit = debug.size();
@@ -137,29 +137,29 @@ TEST(Dwarf1Damaged, WalksEndOnBadLengthsFormsAndSiblings) {
     std::vector<uint8_t> odd_form = w.debug.out;
     odd_form[6] = 0x00, odd_form[7] = 0x19;  // the sibling attribute, now form 9
     uint32_t size, value;
-    EXPECT_EQ(find_attr(odd_form, 0, AT_name, &size, &value), 0);
+    EXPECT_EQ(find_attr(big, odd_form, 0, AT_name, &size, &value), 0);
 
     // A length of 0 ends the walk over entries.
     std::vector<uint8_t> zero = w.debug.out;
     zero[0] = zero[1] = zero[2] = zero[3] = 0;
-    EXPECT_FALSE(dwarf1_find_entry_of_tag(zero, 0, limit, {TAG_subroutine}));
+    EXPECT_FALSE(dwarf1_find_entry_of_tag(big, zero, 0, limit, {TAG_subroutine}));
 
     // A sibling that leads back doesn't go round for ever.
     std::vector<uint8_t> loop = w.debug.out;
     loop[8] = loop[9] = loop[10] = loop[11] = 0;
     uint64_t l = limit;
-    EXPECT_FALSE(dwarf1_find_entry_for_addr(loop, 0, &l, 0x2150, {TAG_compile_unit}));
+    EXPECT_FALSE(dwarf1_find_entry_for_addr(big, loop, 0, &l, 0x2150, {TAG_compile_unit}));
 
     // A unit's line table without a .line section, or cut short.
-    EXPECT_EQ(dwarf1_find_line(debug, {}, 0, 0x2010), -1);
-    EXPECT_EQ(dwarf1_find_line(debug, line.first(20), 0, 0x2010), -1);
-    EXPECT_EQ(dwarf1_find_line(debug, line, 0, 0x2010), 12);
+    EXPECT_EQ(dwarf1_find_line(big, debug, {}, 0, 0x2010), -1);
+    EXPECT_EQ(dwarf1_find_line(big, debug, line.first(20), 0, 0x2010), -1);
+    EXPECT_EQ(dwarf1_find_line(big, debug, line, 0, 0x2010), 12);
 
     // Entries cut by the section's end.
     for (size_t cut = 0; cut < debug.size(); cut++) {
         uint64_t cut_limit = debug.size();
         auto part = debug.first(cut);
-        auto unit = dwarf1_find_entry_for_addr(part, 0, &cut_limit, 0x2010, {TAG_compile_unit});
-        if (unit) dwarf1_find_line(part, line, *unit, 0x2010);
+        auto unit = dwarf1_find_entry_for_addr(big, part, 0, &cut_limit, 0x2010, {TAG_compile_unit});
+        if (unit) dwarf1_find_line(big, part, line, *unit, 0x2010);
     }
 }

@@ -145,38 +145,10 @@ void open_image(zdb_file* file, const std::vector<uint8_t>& bytes, const std::st
 
 std::string fixture(const std::string& name) { return std::string(KRD_BINARY_DIR) + "/tests/elf/" + name; }
 
-namespace {
-
-std::string slurp_and_remove(const std::string& path) {
-    auto bytes = read_file(path);
-    unlink(path.c_str());
-    return {bytes.begin(), bytes.end()};
-}
-
-}  // namespace
-
-child_result open_in_child(const std::string& path) {
-    std::string base = "/tmp/zdb_test_child_" + std::to_string(getpid());
-    std::string out_path = base + ".out", err_path = base + ".err";
-    std::fflush(nullptr);
-    pid_t pid = fork();
-    if (pid == 0) {
-        int out = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        dup2(out, 1);
-        dup2(err, 2);
-        zdb_file f;
-        zdb_open_file(&f, path.c_str());
-        zdb_close_file(&f);
-        std::fflush(nullptr);
-        _exit(0);
-    }
-    child_result r;
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (WIFEXITED(status)) r.status = WEXITSTATUS(status);
-    r.out = slurp_and_remove(out_path);
-    r.err = slurp_and_remove(err_path);
+zdb_open_result open_status(const std::string& path) {
+    zdb_file f;
+    zdb_open_result r = zdb_open_file(&f, path.c_str());
+    zdb_close_file(&f);
     return r;
 }
 

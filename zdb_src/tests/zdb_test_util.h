@@ -63,15 +63,16 @@ void open_image(zdb_file* file, const std::vector<uint8_t>& bytes, const std::st
 // The fixture executables built from tests/elf.
 std::string fixture(const std::string& name);
 
-// What a child process left: its exit status (or -1 if it didn't exit) and
-// its two output streams.
+// What zdb_open_file makes of the path.
+zdb_open_result open_status(const std::string& path);
+
+// What a program left: its exit status (or -1 if it didn't exit) and its
+// standard output.
 struct child_result {
     int status = -1;
-    std::string out, err;
+    std::string out;
 };
 
-// Runs zdb_open_file on the path in a child; status 0 if it returned.
-child_result open_in_child(const std::string& path);
 // Runs a program by argument vector and collects its standard output.
 child_result run_program(const std::vector<std::string>& argv);
 

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "nexus/report_text.h"
+#include "support/text_span.h"
 #include "tests/capture.h"
 
 namespace {
 
 // The writers against printf, on the edges of every digit count and on a
 // spread of other values.
-TEST(ReportText, WritersPrintAsPrintf) {
+TEST(TextSpan, WritersPrintAsPrintf) {
     std::vector<uint32_t> values{0, 0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu};
     for (uint64_t p = 1; p <= 0xFFFFFFFFu; p *= 10) {
         values.push_back(uint32_t(p));

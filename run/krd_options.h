@@ -1,4 +1,5 @@
-// The run's settings, filled from the command line and read by the report.
+// The run's settings, filled from the command line by cli/ and read by the
+// components that print the report.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +31,3 @@ struct krd_options {
     uint32_t flags = 0;
     uint32_t demangle_style = 1;
 };
-
-// Run-wide values outside the record: -N / -nexus_files, and the dump's path.
-extern int nexus_files;
-extern const char* dump_file_name;

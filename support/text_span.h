@@ -1,22 +1,19 @@
-// Pieces of the Nexus report written straight into the block buffer. A trace
-// prints millions of fields, and a printf call, or even a bound check, per
-// field would be most of the report's time: a printer reserves room for a
-// whole piece at once and writes into it. Each writer names the conversion
-// it stands for.
+// Pieces of a report written straight into the block buffer. A report of
+// millions of fields (a Nexus trace) would spend most of its time in a printf
+// call, or even a bound check, per field: a printer reserves room for a whole
+// piece at once and writes into it. Each writer names the conversion it
+// stands for.
 #pragma once
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
 
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 
 // Room reserved in the block buffer, filled from the front and committed
 // when the span ends. The writer must not write more than it reserved.
 struct text_span {
-    // Longest name of a message or field that cstr copies.
-    static constexpr size_t name_limit = 16;
-
     out_buffer& out;
     char* start;
     char* p;
@@ -38,9 +35,10 @@ struct text_span {
         std::memcpy(p, s, N - 1);
         p += N - 1;
     }
-    // "%s" of a name from the message tables.
-    void cstr(const char* s) {
-        for (size_t n = 0; n < name_limit && s[n] != '\0'; n++) *p++ = s[n];
+    // "%s" of a name known to be at most `limit` characters long; the room
+    // reserved counts on the limit.
+    void cstr(const char* s, size_t limit) {
+        for (size_t n = 0; n < limit && s[n] != '\0'; n++) *p++ = s[n];
     }
     // "%08x": the eight nibbles spread to one byte each, then turned into
     // digits all at once.

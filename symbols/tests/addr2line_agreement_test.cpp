@@ -70,7 +70,7 @@ void expect_agreement(const std::string& name) {
     zdb_open_file(&f, fixture(name).c_str());
     ASSERT_TRUE(f.text);
     ASSERT_TRUE(f.is_dwarf2);
-    uint32_t start = zdb_sh_addr(f.text), size = zdb_sh_size(f.text);
+    uint32_t start = zdb_sh_addr(&f, f.text), size = zdb_sh_size(&f, f.text);
     std::vector<uint32_t> addrs;
     for (uint32_t a = start; a < start + size; a += 4) addrs.push_back(a);
     auto answers = ask_addr2line(fixture(name), addrs);

@@ -1,21 +1,26 @@
-// A bounded big-endian reader over a byte span.
+// A bounded reader over a byte span, in either byte order.
 //
 // Every read first checks that it fits; a read that does not fit marks the
 // cursor failed and returns 0, and every later read returns 0 at once. A
 // parser reads a run of fields straight through and asks ok() at the end.
+// Target data is big-endian, so that is the order unless one is given.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 
-struct be_cursor {
+enum class byte_order : uint8_t { big, little };
+
+struct byte_cursor {
     std::span<const uint8_t> data;
     size_t pos = 0;
     bool failed = false;
+    byte_order order = byte_order::big;
 
-    be_cursor() = default;
-    explicit be_cursor(std::span<const uint8_t> d, size_t at = 0) : data(d), pos(at) {
+    byte_cursor() = default;
+    explicit byte_cursor(std::span<const uint8_t> d, size_t at = 0, byte_order o = byte_order::big)
+        : data(d), pos(at), order(o) {
         if (at > d.size()) failed = true;
     }
 
@@ -47,16 +52,24 @@ struct be_cursor {
     }
     uint16_t u16() {
         if (!fits(2)) return 0;
-        uint16_t v = uint16_t(data[pos] << 8 | data[pos + 1]);
+        const uint8_t* p = data.data() + pos;
         pos += 2;
-        return v;
+        if (order == byte_order::little) return uint16_t(p[1] << 8 | p[0]);
+        return uint16_t(p[0] << 8 | p[1]);
     }
     uint32_t u32() {
         if (!fits(4)) return 0;
-        uint32_t v = uint32_t(data[pos]) << 24 | uint32_t(data[pos + 1]) << 16 |
-                     uint32_t(data[pos + 2]) << 8 | uint32_t(data[pos + 3]);
+        const uint8_t* p = data.data() + pos;
         pos += 4;
-        return v;
+        if (order == byte_order::little)
+            return uint32_t(p[3]) << 24 | uint32_t(p[2]) << 16 | uint32_t(p[1]) << 8 | uint32_t(p[0]);
+        return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | uint32_t(p[3]);
+    }
+    uint64_t u64() {
+        if (!fits(8)) return 0;
+        uint64_t first = u32();
+        uint64_t second = u32();
+        return order == byte_order::little ? second << 32 | first : first << 32 | second;
     }
     // A sub-span of n bytes, or an empty span (and a failed cursor) if they are not there.
     std::span<const uint8_t> bytes(size_t n) {
@@ -69,6 +82,12 @@ struct be_cursor {
 
 // A single big-endian word at an offset, 0 when it does not fit.
 inline uint32_t be32_at(std::span<const uint8_t> d, size_t off) {
-    be_cursor c(d, off);
+    byte_cursor c(d, off);
     return c.u32();
 }
+
+// LEB128 into 32 bits: bits beyond 32 are dropped, the signed form takes its
+// sign from bit 6 of the last byte. A number whose end lies past the bound
+// fails the cursor and reads as 0.
+uint32_t read_uleb128(byte_cursor& c);
+uint32_t read_sleb128(byte_cursor& c);

@@ -1,4 +1,4 @@
-#include "render/out_buffer.h"
+#include "support/out_buffer.h"
 
 #include <cstdarg>
 #include <string>
