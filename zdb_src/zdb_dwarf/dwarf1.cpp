@@ -156,7 +156,7 @@ int32_t dwarf1_find_line(byte_order order, std::span<const uint8_t> debug, std::
                          uint32_t entry, uint32_t addr) {
     uint32_t size, value, table, length, base;
     if (!find_attr(order, debug, entry, AT_stmt_list, &size, &value) || size != 4) return -1;
-    read32(order, debug, value, &table);
+    if (!read32(order, debug, value, &table)) return -1;
     if (!read32(order, line, table, &length) || !read32(order, line, uint64_t(table) + 4, &base)) return -1;
     uint64_t end = uint64_t(table) + length;
     uint32_t delta = addr - base;
