@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "cli/report.h"
 #include "pmd/tests/dump_fixture.h"
-#include "render/process_list.h"
 #include "tests/capture.h"
 
 namespace {
@@ -43,48 +41,6 @@ TEST(RunFailure, SymbolFileFailuresInTheirWordsAndStreams) {
     EXPECT_EQ(told(ZDB_OPEN_CANNOT_READ, ENODEV), streams("", "zdb: [open_elf_file] : No such device\n"));
     EXPECT_EQ(told(ZDB_OPEN_NOT_ELF, 0), streams("zdb: This is not an ELF file\n", ""));
     EXPECT_EQ(told(ZDB_OPEN_NOT_EXEC, 0), streams("", ""));
-}
-
-struct rows_guard {
-    rows_guard(std::initializer_list<std::pair<const char*, const char*>> rows, uint32_t count) {
-        process_rows.assign(rows.size() + 1, process_row{});
-        size_t i = 0;
-        for (auto& [pid, name] : rows) {
-            std::strcpy(process_rows[i].pid, pid);
-            std::strcpy(process_rows[i].name, name);
-            i++;
-        }
-        process_row_count = count;
-        process_row_capacity = uint32_t(process_rows.size());
-        index_process_rows();
-    }
-    ~rows_guard() { free_process_rows(); }
-};
-
-TEST(ProcessName, KeyFromTheDigitsBehindTheFirstZero) {
-    rows_guard rows({{"0x00010023", "\"main\""}, {"0x00000005", "\"idle\""}}, 1);
-    // One character behind the digits makes a key of eight digits.
-    EXPECT_STREQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x10023:"), "\"main\"");
-    EXPECT_STREQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x00010023:"), "\"main\"");
-    // The row behind the count is searched too.
-    EXPECT_STREQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x5 "), "\"idle\"");
-    // Without that character the key is one digit too long.
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x00010023"), nullptr);
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS x12"), nullptr);
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0"), nullptr);
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x"), nullptr);
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x0001002300000"), nullptr);
-}
-
-TEST(ProcessName, FirstRowOfAnIdentityWins) {
-    // Only the first ten characters count, so both rows agree with the key.
-    rows_guard rows({{"0x00010023", "\"first\""}, {"0x00010023 x", "\"second\""}}, 1);
-    EXPECT_STREQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x10023:"), "\"first\"");
-}
-
-TEST(ProcessName, NoRowsNoName) {
-    rows_guard rows({{"0x00010023", "\"main\""}}, 0);
-    EXPECT_EQ(find_process_name("SIGNAL QUEUE FOR PROCESS 0x10023:"), nullptr);
 }
 
 size_t count_of(const std::string& text, const std::string& what) {

@@ -34,5 +34,3 @@ inline std::string body_of(const std::string& printed) {
     return nl == std::string::npos ? printed : printed.substr(nl + 1);
 }
 
-inline const char* const separator =
-    "\n----------------------------------------------------------------------------\n";

@@ -43,38 +43,26 @@ std::string frame(uint32_t back_chain, uint32_t lr) {
 }
 
 TEST(FindRegister, FirstOccurrenceAndTheEqualsBehindIt) {
-    uint32_t v = 0;
-    EXPECT_TRUE(find_register("R0=1 R1=00200010 R10=5", "R1", &v));
-    EXPECT_EQ(v, 0x200010u);
-    EXPECT_TRUE(find_register("R10=5 R1=7", "R1", &v));  // R10 stands first
-    EXPECT_EQ(v, 5u);
-    EXPECT_TRUE(find_register("LR = 0x1234", "LR", &v));
-    EXPECT_EQ(v, 0x1234u);
-    EXPECT_TRUE(find_register("PC=zz", "PC", &v));
-    EXPECT_EQ(v, 0u);
-    EXPECT_TRUE(find_register("PC=123456789", "PC", &v));
-    EXPECT_EQ(v, 0xFFFFFFFFu);
-    EXPECT_FALSE(find_register("R0=1 R2=3", "LR", &v));
-    EXPECT_FALSE(find_register("R0=1 DAR", "DAR", &v));  // no "=" behind the key
-    EXPECT_FALSE(find_register("", "PC", &v));
-}
-
-TEST(UserRegisterSet, TitleAndText) {
-    register_set s = user_register_set(0xABC);
-    EXPECT_EQ(s.title, "CALLTRACE FOR USER SUPPLIED STACKPOINTER=0x00000abc");
-    EXPECT_EQ(s.text, "R1=00000ABC ");
-}
-
-TEST(FindStackFrame, FirstImageWithTheEndIncluded) {
-    stack_images s = index_stack_images({image(0x1000, {0, 0, 0, 0}), image(0x1008, {0, 0, 0, 0})});
-    EXPECT_EQ(find_stack_frame(s, 0xFFF), nullptr);
-    EXPECT_EQ(find_stack_frame(s, 0x1000), &s.images[0]);
-    EXPECT_EQ(find_stack_frame(s, 0x1010), &s.images[0]);
-    EXPECT_EQ(find_stack_frame(s, 0x1011), &s.images[1]);
-    EXPECT_EQ(find_stack_frame(s, 0x1019), nullptr);
-    stack_images top = index_stack_images({image(0xFFFFFFF8, {1, 2})});
-    EXPECT_EQ(find_stack_frame(top, 0xFFFFFFFF), &top.images[0]);
-    EXPECT_EQ(find_stack_frame(index_stack_images({}), 0), nullptr);
+    const struct {
+        const char* text;
+        const char* key;
+        bool found;
+        uint32_t value;
+    } cases[] = {
+        {"R0=1 R1=00200010 R10=5", "R1", true, 0x200010},
+        {"R10=5 R1=7", "R1", true, 5},  // R10 stands first
+        {"LR = 0x1234", "LR", true, 0x1234},
+        {"PC=zz", "PC", true, 0},
+        {"PC=123456789", "PC", true, 0xFFFFFFFF},
+        {"R0=1 R2=3", "LR", false, 0},
+        {"R0=1 DAR", "DAR", false, 0},  // no "=" behind the key
+        {"", "PC", false, 0},
+    };
+    for (const auto& c : cases) {
+        uint32_t v = 0;
+        EXPECT_EQ(find_register(c.text, c.key, &v), c.found) << c.text;
+        if (c.found) EXPECT_EQ(v, c.value) << c.text;
+    }
 }
 
 // The index against the rule itself: the first image in dump order that
@@ -110,40 +98,17 @@ TEST(FindStackFrame, IndexAgreesWithTheFirstHolderInDumpOrder) {
     }
 }
 
-TEST(StackWalk, FollowsTheChainAcrossImages) {
-    std::vector<stack_image> images = {
-        image(0x1000, {0, 0, 0x2000, 0x10000100}),  // frame at 0x1008 leads to the second image
-        image(0x2000, {0x2008, 0x10000200, 0, 0x10000300}),
-    };
-    EXPECT_EQ(walk(images, 0x1008),
-              frame(0x2000, 0x10000100) + frame(0x2008, 0x10000200) + frame(0, 0x10000300));
-    EXPECT_EQ(walk(images, 0x3000), "");
-}
-
-TEST(StackWalk, StopsWhereTheWordsWouldPassTheImage) {
-    std::vector<stack_image> images = {image(0x1000, {0x1004, 0x11, 0x22})};
-    // 0x1004 leaves 8 bytes; 0x1008 only 4, 0x100C none: the walk ends quietly.
-    EXPECT_EQ(walk(images, 0x1004), frame(0x11, 0x22));
-    EXPECT_EQ(walk(images, 0x1008), "");
-    EXPECT_EQ(walk(images, 0x100C), "");
-    stack_image empty;
-    empty.start = 0x5000;
-    EXPECT_EQ(walk({empty}, 0x5000), "");
-}
-
-TEST(StackWalk, LoopsAndEndlessChainsStop) {
-    std::vector<stack_image> self = {image(0x1000, {0x1000, 0x42})};
-    EXPECT_EQ(walk(self, 0x1000), frame(0x1000, 0x42) + "\n  Stack walk stopped: the back chain loops to 00001000\n");
-    std::vector<stack_image> pair = {image(0x1000, {0x1008, 1, 0x1000, 2})};
-    EXPECT_EQ(walk(pair, 0x1000),
-              frame(0x1008, 1) + frame(0x1000, 2) + "\n  Stack walk stopped: the back chain loops to 00001000\n");
-    // Every word leads to the next: a chain longer than any real stack.
+// A chain longer than any real stack: every word leads to the next.
+TEST(StackWalk, EndlessChainsStop) {
     std::vector<uint32_t> words;
     for (uint32_t i = 0; i < 3000; i++) words.push_back(0x1000 + 4 * (i + 1));
     std::string out = walk({image(0x1000, words)}, 0x1000);
     std::string tail = "\n  Stack walk stopped after 1000 frames\n";
     ASSERT_GE(out.size(), tail.size());
     EXPECT_EQ(out.substr(out.size() - tail.size()), tail);
+    std::vector<stack_image> pair = {image(0x1000, {0x1008, 1, 0x1000, 2})};
+    EXPECT_EQ(walk(pair, 0x1000),
+              frame(0x1008, 1) + frame(0x1000, 2) + "\n  Stack walk stopped: the back chain loops to 00001000\n");
 }
 
 pmd_section stack_section(const std::string& title, uint32_t address, std::vector<uint32_t> words) {
