@@ -20,13 +20,6 @@ std::string error_name(const errOse_table& t, uint32_t code) {
     return row->code ? row->name : "";
 }
 
-TEST(Catalogue, SystemCalls) {
-    EXPECT_STREQ(lg_system_call(0x00010000), "addressee");
-    EXPECT_STREQ(lg_system_call(0xFF440012), "set_pri_for");
-    EXPECT_EQ(lg_system_call(0x00000031), nullptr);
-    EXPECT_EQ(lg_system_call(0x00450000), nullptr);
-}
-
 TEST(Catalogue, ComponentSearch) {
     const errOse_table* t = nullptr;
     EXPECT_EQ(components_of(0x00E00004, &t), (std::vector<std::string>{"PROGRAM MANAGER"}));

@@ -120,23 +120,6 @@ TEST(TraceRing, BlockInUseAtTailIsJumpedOverAndStaysHidden) {
     for (size_t i = 1; i < seen.size(); i++) EXPECT_EQ(seen[i], seen[i - 1] + 1);
 }
 
-TEST(TraceRing, SubTraceIsNeverVisibleAndIsDroppedOnceFinished) {
-    test_ring r(300);
-    enable_trace(r.image, r.ring);
-    uint32_t sub = alloc_subtrace(r.image, r.ring, 4);
-    EXPECT_EQ(r.skip(sub), 1);
-    EXPECT_EQ(r.state(sub), TRACE_SUB_WRITING);
-    free_subtrace(r.image, sub);
-    EXPECT_EQ(r.state(sub), TRACE_SUB_FINISHED);
-    EXPECT_TRUE(visible_seqs(r).empty());
-    // Going round once turns the finished sub-trace into a plain hidden
-    // block, which the next round drops.
-    for (uint32_t i = 1; i <= 8; i++) r.put(i);
-    EXPECT_EQ(r.state(sub), TRACE_FINISHED);
-    EXPECT_EQ(r.skip(sub), 1);
-    EXPECT_EQ(recover_copy(r), 0);
-}
-
 TEST(TraceRing, ClearHidesBlocksUntilTheGenerationComesRound) {
     test_ring r(600);
     enable_trace(r.image, r.ring);
@@ -267,15 +250,6 @@ TEST(TraceRecover, EveryFailedCheckGivesItsCodeAndAFreshRing) {
     }
 }
 
-TEST(TraceRecover, NameAgreesInFourCharactersOnly) {
-    wrapped_ring r;
-    EXPECT_EQ(recover_copy(r, "TracX"), 0);
-    std::vector<uint8_t> copy = r.image;
-    trace_cursor c;
-    EXPECT_EQ(find_trace(copy, r.ring, r.area, "TracX", &c), 0);
-    EXPECT_EQ(find_trace(copy, r.ring, r.area, "Trace&ErrorLog", &c), 1);
-}
-
 TEST(TraceRecover, BlocksCutShortByARestartAreHidden) {
     test_ring r(600);
     enable_trace(r.image, r.ring);
@@ -291,26 +265,6 @@ TEST(TraceRecover, BlocksCutShortByARestartAreHidden) {
     EXPECT_EQ(r.skip(subdone), 1);
     EXPECT_EQ(r.state(subdone), TRACE_SUB_FINISHED);
     EXPECT_EQ(visible_seqs(r), std::vector<uint32_t>{9});
-}
-
-TEST(TraceReader, FindsARingByNameAnywhereInTheArea) {
-    std::vector<uint8_t> image(1200, 0);
-    create_trace(image, 500, 400, "second");
-    create_trace(image, 37, 400, "first");
-    enable_trace(image, 500);
-    uint32_t d = alloc_trace(image, 500, 4);
-    set32(image, d, 77);
-    free_trace(image, d);
-    trace_cursor c;
-    EXPECT_EQ(find_trace(image, 0, uint32_t(image.size()), "second", &c), 1);
-    EXPECT_EQ(c.ring, 500u);
-    EXPECT_EQ(std::string(c.name), "second");
-    EXPECT_EQ(be32(image, c.data), 77u);
-    EXPECT_EQ(get_trace_status(image, 500), 0) << "a ring being read takes no more blocks";
-    EXPECT_EQ(get_trace(&c), 0);
-    EXPECT_EQ(find_trace(image, 0, uint32_t(image.size()), "", &c), 0) << "the first ring has no block";
-    EXPECT_EQ(c.ring, 37u);
-    EXPECT_EQ(find_trace(image, 0, 44, "", &c), 0);
 }
 
 TEST(TraceReader, LyingRingEndsTheWalkInsteadOfLooping) {

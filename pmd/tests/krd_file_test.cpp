@@ -107,27 +107,23 @@ uint32_t tag_of(const std::string& text, uint32_t* len, uint32_t* consumed) {
 }
 
 TEST(KrdTag, MatchesInTableOrder) {
-    uint32_t len = 0, used = 0;
-    EXPECT_EQ(tag_of("FORM", &len, &used), HDR_FORM);
-    EXPECT_EQ(len, 0x11223344u);
-    EXPECT_EQ(used, 8u);
-    EXPECT_EQ(tag_of("MBL DESC", &len, &used), HDR_MBL);
-    EXPECT_EQ(used, 12u);
-    EXPECT_EQ(tag_of("PROGPRHD", &len, &used), HDR_PROG_PRHD);
-    EXPECT_EQ(tag_of("PROGFORM", &len, &used), HDR_PROG_FORM);
-    // BLOC has no length word behind it.
-    len = 5;
-    EXPECT_EQ(tag_of("BLOC", &len, &used), HDR_BLOC);
-    EXPECT_EQ(len, 0u);
-    EXPECT_EQ(used, 4u);
-    // The first half of an 8-byte entry is no match; unknown tags leave
-    // the position and the length alone.
-    len = 77;
-    EXPECT_EQ(tag_of("MBL XXXX", &len, &used), HDR_NOTFOUND);
-    EXPECT_EQ(len, 77u);
-    EXPECT_EQ(used, 0u);
-    EXPECT_EQ(tag_of("ZZZZ", &len, &used), HDR_NOTFOUND);
-    EXPECT_EQ(used, 0u);
+    // The first half of an 8-byte entry is no match; BLOC has no length word
+    // behind it; unknown tags leave the position and the length alone.
+    const struct {
+        const char* tag;
+        uint32_t index, length, consumed;
+    } cases[] = {
+        {"FORM", HDR_FORM, 0x11223344, 8},       {"MBL DESC", HDR_MBL, 0x11223344, 12},
+        {"PROGPRHD", HDR_PROG_PRHD, 0x11223344, 12}, {"PROGFORM", HDR_PROG_FORM, 0x11223344, 12},
+        {"BLOC", HDR_BLOC, 0, 4},                {"MBL XXXX", HDR_NOTFOUND, 77, 0},
+        {"ZZZZ", HDR_NOTFOUND, 77, 0},
+    };
+    for (const auto& c : cases) {
+        uint32_t len = 77, used = 0;
+        EXPECT_EQ(tag_of(c.tag, &len, &used), c.index) << c.tag;
+        EXPECT_EQ(len, c.length) << c.tag;
+        EXPECT_EQ(used, c.consumed) << c.tag;
+    }
 }
 
 TEST(KrdHeader, ReadsTheFileRecord) {

@@ -39,56 +39,6 @@ TEST(SectionChain, MergesRunsOfOneTitle) {
                                    {"Signal 0x00001234", 1}}));
 }
 
-TEST(SectionChain, TitlesOfEveryKind) {
-    pmd_dump d;
-    d.sections.push_back(memory_section("  two blanks", "x"));
-    d.sections.push_back(memory_section("CPU load:", "x"));
-    d.sections.push_back(memory_section("CPU registers for pid = 0x1", "x"));
-    d.sections.push_back(memory_section("plain", "x"));
-    pmd_section e;
-    e.kind = pmd_kind::error;
-    e.title = "ERROR CODE";
-    d.sections.push_back(e);
-    pmd_section p;
-    p.kind = pmd_kind::program;
-    d.sections.push_back(p);
-    pmd_section r;
-    r.kind = pmd_kind::reg;
-    r.title = "Registers";
-    d.sections.push_back(r);
-    pmd_section t;
-    t.kind = pmd_kind::text;
-    std::string line(60, 'L');
-    t.payload.assign(line.begin(), line.end());
-    d.sections.push_back(t);
-    t.payload = {'s', 'h', 'o', 'r', 't', '\n', 'b'};
-    d.sections.push_back(t);
-    pmd_section k;
-    k.kind = pmd_kind::signal;
-    k.signo = 39215;
-    d.sections.push_back(k);
-    dump_fixture f(d);
-
-    uint32_t cursor = 0;
-    std::vector<krd_chain> all;
-    for (krd_chain c = krd_find_section(f.f(), &cursor, ""); c; c = krd_get_section(f.f(), &cursor))
-        all.push_back(std::move(c));
-    ASSERT_EQ(all.size(), 10u);
-    EXPECT_EQ(all[0]->title, " two blanks");
-    EXPECT_EQ(all[0]->is_text, 1u);
-    EXPECT_EQ(all[1]->is_text, 1u);
-    EXPECT_EQ(all[2]->is_text, 1u);
-    EXPECT_EQ(all[3]->is_text, 0u);
-    EXPECT_EQ(all[4]->title, "ERROR CODE");
-    EXPECT_EQ(all[4]->kind, KRD_KIND_ERROR);
-    EXPECT_EQ(all[5]->title, "PRH Program list");
-    EXPECT_EQ(all[6]->title, "Registers");
-    EXPECT_EQ(all[7]->title, std::string(48, 'L'));
-    EXPECT_EQ(all[8]->title, "short");
-    EXPECT_EQ(all[9]->title, "OSE KERNEL TRACE");
-    EXPECT_EQ(all[0]->offset, 48u + 44u);
-}
-
 TEST(SectionChain, FindBySubstringLeavesCursorOnMiss) {
     pmd_dump d;
     d.sections.push_back(memory_section("A", "x"));
@@ -105,30 +55,6 @@ TEST(SectionChain, FindBySubstringLeavesCursorOnMiss) {
     EXPECT_FALSE(krd_find_section(f.f(), &cursor, "NOWHERE"));
     EXPECT_EQ(cursor, before);
     EXPECT_FALSE(krd_find_section(f.f(), nullptr, "process list"));  // case matters here
-}
-
-TEST(SectionChain, RepeatedSideLookupsGiveTheSameChains) {
-    pmd_dump d;
-    d.sections.push_back(memory_section("A", "x"));
-    d.sections.push_back(memory_section("SYSTEM PARAMETERS", "p1"));
-    d.sections.push_back(memory_section("SYSTEM PARAMETERS", "p2"));
-    d.sections.push_back(memory_section("B", "x"));
-    dump_fixture f(d);
-    for (int round = 0; round < 3; round++) {
-        krd_chain c = krd_find_section(f.f(), nullptr, "SYSTEM PARAM");
-        ASSERT_TRUE(c);
-        EXPECT_EQ(c->title, "SYSTEM PARAMETERS");
-        ASSERT_TRUE(c->next);
-        EXPECT_FALSE(c->next->next);
-        EXPECT_FALSE(krd_find_section(f.f(), nullptr, "MISSING"));
-        uint32_t cursor = 0;
-        ASSERT_TRUE(krd_find_section(f.f(), &cursor, "SYSTEM PARAM"));
-        krd_chain b = krd_get_section(f.f(), &cursor);
-        ASSERT_TRUE(b);
-        EXPECT_EQ(b->title, "B");
-        // From a later cursor the earlier sections are not found.
-        EXPECT_FALSE(krd_find_section(f.f(), &cursor, "A"));
-    }
 }
 
 TEST(SectionChain, DamagedSectionsEndTheWalkSilently) {

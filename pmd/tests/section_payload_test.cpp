@@ -69,22 +69,6 @@ TEST(Inflate, PiecesAgreeWithTheByteLoop) {
     }
 }
 
-TEST(Inflate, ShortStreamsLeaveZerosAndSizeZeroSucceeds) {
-    pmd_section s = memory_section("M", "hello world");
-    s.size_word = 64;
-    pmd_dump d;
-    d.sections.push_back(s);
-    inflate_result r = inflate_first(pmd_build_dump(d), false);
-    EXPECT_EQ(r.status, 0);
-    ASSERT_EQ(r.out.size(), 64u);
-    EXPECT_EQ(std::string(r.out.begin(), r.out.begin() + 11), "hello world");
-    EXPECT_EQ(r.out[11], 0);
-
-    pmd_dump z;
-    z.sections.push_back(memory_section("M", ""));
-    EXPECT_EQ(inflate_first(pmd_build_dump(z), false).status, 0);
-}
-
 krd_payload_status chain_payload(const pmd_dump& d, krd_payload* p) {
     static std::unique_ptr<dump_fixture> keep;
     keep = std::make_unique<dump_fixture>(d);
@@ -148,104 +132,13 @@ struct first_section {
     }
 };
 
-TEST(Records, ErrorInformationInBothForms) {
-    pmd_section e;
-    e.kind = pmd_kind::error;
-    e.title = "ERROR CODE";
-    e.user_called = 1, e.error_code = 0x11, e.extra = 2, e.curr_proc = 0x10001;
-    first_section a(e);
-    auto info = krd_read_errinfo(a.d.f(), a.c.get());
-    ASSERT_TRUE(info);
-    EXPECT_EQ(info->error_code, 0x11u);
-    EXPECT_EQ(info->curr_proc, 0x10001u);
-
-    first_section t(memory_section("ERROR HANDLER PARAMETERS", "  1 0x11   0"));
-    info = krd_read_errinfo(t.d.f(), t.c.get());
-    ASSERT_TRUE(info);
-    EXPECT_EQ(info->user_called, 1u);
-    EXPECT_EQ(info->error_code, 0x11u);
-    EXPECT_EQ(info->extra, 0u);
-    EXPECT_EQ(info->curr_proc, 0xFFFFFFFFu);
-
+// The text form of the error information is read from at most 65504 bytes.
+TEST(Records, ErrorInformationTextHasALimit) {
     std::string text = "1 2 3";
     first_section fits(memory_section("E", text + std::string(65504 - text.size(), ' ')));
     EXPECT_TRUE(krd_read_errinfo(fits.d.f(), fits.c.get()));
     first_section over(memory_section("E", text + std::string(65505 - text.size(), ' ')));
     EXPECT_FALSE(krd_read_errinfo(over.d.f(), over.c.get()));
-}
-
-TEST(Records, SignalBlocksRawCompressedAndEmpty) {
-    pmd_section s;
-    s.kind = pmd_kind::signal;
-    s.signo = 7;
-    s.payload = {1, 2, 3, 4, 5};
-    first_section raw(s);
-    auto sig = krd_read_sigdef_info(raw.d.f(), raw.c.get());
-    ASSERT_TRUE(sig);
-    EXPECT_EQ(sig->signo, 7u);
-    EXPECT_EQ(sig->data, s.payload);
-
-    s.sig_data = "zlib";
-    first_section z(s);
-    sig = krd_read_sigdef_info(z.d.f(), z.c.get());
-    ASSERT_TRUE(sig);
-    EXPECT_EQ(sig->data, s.payload);
-    ASSERT_TRUE(z.c->image);
-    EXPECT_EQ(z.c->image->address, 0u);
-    EXPECT_EQ(z.c->image->size, 5u);
-
-    s.sig_data = "none";
-    first_section none(s);
-    sig = krd_read_sigdef_info(none.d.f(), none.c.get());
-    ASSERT_TRUE(sig);
-    EXPECT_FALSE(sig->has_data);
-
-    s.sig_data = "raw";
-    s.patches.push_back({72, {0x7F, 0xFF, 0xFF, 0xFF}});  // DATA length beyond the file
-    first_section huge(s);
-    EXPECT_FALSE(krd_read_sigdef_info(huge.d.f(), huge.c.get()));
-}
-
-TEST(Records, ProgramsAndRegisters) {
-    pmd_section p;
-    p.kind = pmd_kind::program;
-    pmd_program a;
-    a.pid = 0x10001;
-    a.resident = 1;
-    a.regions = {0x1000, 0x100, 0x2000, 0x200};
-    a.lmid = std::string(61, 'a');
-    pmd_program b = a;
-    b.lmid = std::string(62, 'b');
-    p.programs = {a, b};
-    first_section fp(p);
-    uint32_t pos = 0;
-    uint32_t count = krd_init_proginfo(fp.d.f(), fp.c.get(), &pos);
-    ASSERT_GT(count, 0u);
-    auto r1 = krd_get_proginfo(fp.d.f(), &pos);
-    ASSERT_TRUE(r1);
-    EXPECT_EQ(std::string(r1->lmid), a.lmid);
-    EXPECT_EQ(r1->regions, a.regions);
-    auto r2 = krd_get_proginfo(fp.d.f(), &pos);
-    ASSERT_TRUE(r2);
-    EXPECT_EQ(std::string(r2->lmid), std::string(62, 'b') + ">");
-
-    pmd_section empty;
-    empty.kind = pmd_kind::program;
-    first_section fe(empty);
-    EXPECT_EQ(krd_init_proginfo(fe.d.f(), fe.c.get(), &pos), 0u);
-
-    pmd_section r;
-    r.kind = pmd_kind::reg;
-    r.title = "R";
-    r.arch = bytes(13, 0xEE);
-    r.registers = {{"pc", 0x1234}, {"msr", 0x8000}};
-    first_section fr(r);
-    count = krd_init_reginfo(fr.d.f(), fr.c.get(), &pos);
-    EXPECT_EQ(count, 2 * (8 + 1 + 4 + 3) + 1u);
-    auto e1 = krd_get_reginfo(fr.d.f(), &pos);
-    ASSERT_TRUE(e1);
-    EXPECT_EQ(e1->name, "pc");
-    EXPECT_EQ(e1->value, 0x1234u);
 }
 
 }  // namespace

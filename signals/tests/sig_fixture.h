@@ -3,65 +3,24 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <fcntl.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/run_program.h"
 #include "tools/sigdb_writer.h"
-
-extern char** environ;
 
 // What put_char received.
 inline std::string sink;
 inline int sink_put(int ch) {
     sink += char(ch);
     return 0;
-}
-
-// Runs a program by its argument vector, standard input and output
-// optionally from and to files; its exit status.
-inline int run_tool(const std::vector<std::string>& args, const std::string& in = "", const std::string& out = "") {
-    std::vector<char*> argv;
-    for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (!in.empty()) posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
-    if (!out.empty()) posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    pid_t pid;
-    const int spawned = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) return -1;
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-// What a call wrote to the standard error stream.
-template <class F>
-std::string capture_stderr(F call) {
-    std::fflush(stderr);
-    const int saved = dup(2);
-    FILE* tmp = std::tmpfile();
-    dup2(fileno(tmp), 2);
-    call();
-    std::fflush(stderr);
-    dup2(saved, 2);
-    close(saved);
-    std::rewind(tmp);
-    std::string text;
-    for (int c; (c = std::fgetc(tmp)) != EOF;) text += char(c);
-    std::fclose(tmp);
-    return text;
 }
 
 inline std::vector<sigdb_member_file> describe(const std::string& description) {
@@ -109,16 +68,16 @@ struct scratch_dir {
             out.close();
             args.push_back((members / f.name).string());
         }
-        EXPECT_EQ(run_tool(args), 0);
+        EXPECT_EQ(run_program(args).status, 0);
         return (path / zip_name).string();
     }
 
     // Renames the archive's entry at index to the name of the entry
     // before it, with zipnote: two entries of one name.
     void repeat_name(const std::string& zip, int index) const {
-        const std::string notes = (path / "notes").string();
-        ASSERT_EQ(run_tool({"zipnote", zip}, "", notes), 0);
-        std::ifstream in(notes);
+        const child_result listed = run_program({"zipnote", zip});
+        ASSERT_EQ(listed.status, 0);
+        std::istringstream in(listed.out);
         std::string text, line, previous;
         for (int entry = -1; std::getline(in, line);) {
             text += line + "\n";
@@ -128,8 +87,8 @@ struct scratch_dir {
                 previous = line.substr(2);
             }
         }
-        in.close();
+        const std::string notes = (path / "notes").string();
         std::ofstream(notes) << text;
-        ASSERT_EQ(run_tool({"zipnote", "-w", zip}, notes), 0);
+        ASSERT_EQ(run_program({"zipnote", "-w", zip}, notes).status, 0);
     }
 };

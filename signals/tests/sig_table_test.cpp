@@ -38,6 +38,14 @@ struct built {
     sigdb_layout layout;
     sig_table table() { return {image, uint32_t(layout.header)}; }
     int reformat() { return sigdb_reformat_magic_table(table(), 0, 0, uint32_t(image.size() - 1)); }
+    // What the signal prints as, and the print's result.
+    std::string print(const std::vector<uint8_t>& signal, int compress = 0, int* result = nullptr) {
+        sink.clear();
+        const int r = ssm_print_signal(table(), signal.data(), uint32_t(signal.size()), compress, sink_put, nullptr,
+                                       nullptr, 0);
+        if (result) *result = r;
+        return sink;
+    }
     void put32(size_t at, uint32_t v, bool big = true) {
         for (int i = 0; i < 4; i++) image[at + size_t(i)] = uint8_t(v >> (8 * (big ? 3 - i : i)));
     }
@@ -150,18 +158,6 @@ TEST(SignalTable, Lookups) {
     EXPECT_EQ(names("FIRST"), "FIRST=17 ");
     EXPECT_EQ(names("FIRS"), "");
 
-    // A cursor into another table of the file counts as no cursor.
-    std::vector<sigdb_layout> layouts;
-    auto image = member_image(table_text("t", "big", two_signals) + "table u order=little\n" + two_signals, &layouts);
-    const sig_table first{image, uint32_t(layouts[0].header)}, second{image, uint32_t(layouts[1].header)};
-    ASSERT_EQ(reformat_magic_table(first, 0, 0, uint32_t(image.size() - 1)), 0);
-    ASSERT_EQ(reformat_magic_table(second, 0, 0, uint32_t(image.size() - 1)), 0);
-    uint32_t foreign = SIG_NULL;
-    ASSERT_EQ(list_sig_by_number(0x22, second, &foreign, &name, &size, &var_size), 1);
-    ASSERT_EQ(list_sig_by_number(0x11, first, &foreign, &name, &size, &var_size), 1);
-    EXPECT_EQ(name, "FIRST");
-    EXPECT_EQ(check_endian(second), 0);
-
     // No table at all.
     EXPECT_EQ(sigdb_signo_size({}), 0);
     EXPECT_EQ(sigdb_get_sig_no({}, signal), 0u);
@@ -242,60 +238,42 @@ signal NESTED 0x33 {
     }
 }
 
-TEST(SignalTable, WithoutStringPoolMembersAreNamedByType) {
+// Odd but harmless tables: without a string pool members are named by type;
+// an array of elements of size 0 is one element wide; a format without a
+// conversion prints its text; a text ends at its zero, at its member's end,
+// or after 1023 characters; a structure that contains itself ends.
+TEST(SignalTable, OddTablesPrintAndEnd) {
     built b = build(table_text("t", "little", "signal S 0x31 {\n uint sig_no\n 19 odd size=2\n}\n"));
     ASSERT_EQ(b.reformat(), 0);
     b.put32(b.layout.header + SYM_POOLS + 4 * POOL_STRING, SIG_NULL, std::endian::native == std::endian::big);
-    const std::vector<uint8_t> signal = {0x31, 0, 0, 0, 0xcd, 0xab};
-    sink.clear();
-    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 6, 0, sink_put, nullptr, nullptr, 0), 0);
-    EXPECT_EQ(sink, "Signal <SIGNAL_SYMBOL_NAME>:\n\n00000000: (unsigned int) = 0x31\n00000004: (unknown type) = 0xabcd ...");
-}
+    EXPECT_EQ(b.print({0x31, 0, 0, 0, 0xcd, 0xab}),
+              "Signal <SIGNAL_SYMBOL_NAME>:\n\n00000000: (unsigned int) = 0x31\n00000004: (unknown type) = 0xabcd ...");
 
-// Odd but harmless descriptions: an array of elements of size 0 is one
-// element wide, a format without a conversion prints its text.
-TEST(SignalTable, ElementsOfSizeZeroAndFormatsWithoutConversion) {
-    built b = build(table_text("t", "big", "signal Z 0x51 {\n uint sig_no\n int z[3] size=0\n"
-                                           " ushort spare format=\"n/a\"\n}\n"));
+    b = build(table_text("t", "big", "signal Z 0x51 {\n uint sig_no\n int z[3] size=0\n ushort spare format=\"n/a\"\n}\n"));
     ASSERT_EQ(b.reformat(), 0);
-    const std::vector<uint8_t> signal = {0, 0, 0, 0x51, 0, 9, 0, 0};
-    for (int compress : {0, 1}) {
-        sink.clear();
-        EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 8, compress, sink_put, nullptr, nullptr, 0), 0);
-        EXPECT_EQ(sink, std::string("Signal Z:\n\n00000000: sig_no = 0x51\n") +
-                            (compress ? "" : "00000004: z[0] = 0x0\n") + "00000004: spare = n/a");
-    }
-}
+    for (int compress : {0, 1})
+        EXPECT_EQ(b.print({0, 0, 0, 0x51, 0, 9, 0, 0}, compress),
+                  std::string("Signal Z:\n\n00000000: sig_no = 0x51\n") + (compress ? "" : "00000004: z[0] = 0x0\n") +
+                      "00000004: spare = n/a");
 
-// A text ends at its zero, at its member's end, or after 1023 characters.
-TEST(SignalTable, TextsAreBounded) {
-    built b = build(table_text("t", "big", "signal T 0x41 {\n uint sig_no\n char s[1500] text\n uint after\n}\n"));
+    b = build(table_text("t", "big", "signal T 0x41 {\n uint sig_no\n char s[1500] text\n uint after\n}\n"));
     ASSERT_EQ(b.reformat(), 0);
     std::vector<uint8_t> signal(4 + 1500 + 4, 'a');
     signal[0] = signal[1] = signal[2] = 0;
     signal[3] = 0x41;
-    sink.clear();
-    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 1, sink_put, nullptr, nullptr, 0), 0);
-    EXPECT_EQ(sink, "Signal T:\n\n00000000: sig_no = 0x41\n00000004: s[0-1499] = " + std::string(1023, 'a') +
-                        "\n000005E0: after = 0x61616161");
-    sink.clear();
-    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), uint32_t(signal.size()), 0, sink_put, nullptr, nullptr, 0), 0);
-    EXPECT_NE(sink.find("\n000005DE: s[1498] = aa\n000005DF: s[1499] = a\n"), std::string::npos);
-}
+    EXPECT_EQ(b.print(signal, 1), "Signal T:\n\n00000000: sig_no = 0x41\n00000004: s[0-1499] = " +
+                                      std::string(1023, 'a') + "\n000005E0: after = 0x61616161");
+    EXPECT_NE(b.print(signal).find("\n000005DE: s[1498] = aa\n000005DF: s[1499] = a\n"), std::string::npos);
 
-// A table whose structure contains itself, through its link.
-TEST(SignalTable, LinkCycleEnds) {
-    built b = build(table_text("t", "big", "signal S 0x31 {\n uint sig_no\n uint pad\n struct s @0 {\n  uint x\n }\n}\n"));
-    // Records: 0 top, 1 sig_no, 2 pad, 3 s, 4 x. Point s at the top's list.
+    // Records: 0 top, 1 sig_no, 2 pad, 3 s, 4 x. s's link points at the top's list.
+    b = build(table_text("t", "big", "signal S 0x31 {\n uint sig_no\n uint pad\n struct s @0 {\n  uint x\n }\n}\n"));
     const size_t link = b.layout.pools[1] + 3 * 20 + 10;
     b.image[link] = 0;
     b.image[link + 1] = 1;
     ASSERT_EQ(b.reformat(), 0);
-    const std::vector<uint8_t> signal = {0, 0, 0, 0x31, 0, 0, 0, 0};
-    sink.clear();
-    EXPECT_EQ(ssm_print_signal(b.table(), signal.data(), 8, 0, sink_put, nullptr, nullptr, 0), 0);
-    EXPECT_LT(sink.size(), 100000u);
-    EXPECT_NE(sink.find("\n00000000: s.s.s.s.sig_no = 0x31\n"), std::string::npos);
+    const std::string cycle = b.print({0, 0, 0, 0x31, 0, 0, 0, 0});
+    EXPECT_LT(cycle.size(), 100000u);
+    EXPECT_NE(cycle.find("\n00000000: s.s.s.s.sig_no = 0x31\n"), std::string::npos);
 }
 
 TEST(SignalTable, FindTextPassesOverWhereACandidateFailed) {

@@ -130,21 +130,6 @@ TEST_F(PidTable, ProcessBeforeAnyBlockHasAnEmptyIdThatTheBasicBlockCorrects) {
     EXPECT_EQ(lmid_of(0x11), "os");
 }
 
-TEST_F(PidTable, GrowsPastItsFirstRowsAndFindsTheFirstRowOfAPid) {
-    std::string text = "\"first\" BLOCK 0x1 1\n";
-    for (uint32_t i = 0; i < 2500; i++) {
-        if (i == 1500) text += "\"second\" BLOCK 0x1 2\n";
-        text += process("p", 0x1000 + i % 2000);
-    }
-    load(text);
-    EXPECT_EQ(pid_lm_count, 2500u);
-    EXPECT_EQ(lmid_of(0x1000 + 1499), "first");
-    EXPECT_EQ(lmid_of(0x1000 + 1500), "second");
-    // Pids 0x1000 to 0x11f3 come again in block "second": the first row counts.
-    EXPECT_EQ(lmid_of(0x1000), "first");
-    EXPECT_EQ(lmid_of(0x1000 + 499), "first");
-}
-
 // A process name is kept to 255 characters however long its record.
 TEST(BinaryTrace, LongNamesAreCut) {
     std::vector<uint8_t> trace;

@@ -61,7 +61,9 @@ TEST(FindRegister, FirstOccurrenceAndTheEqualsBehindIt) {
     for (const auto& c : cases) {
         uint32_t v = 0;
         EXPECT_EQ(find_register(c.text, c.key, &v), c.found) << c.text;
-        if (c.found) EXPECT_EQ(v, c.value) << c.text;
+        if (c.found) {
+            EXPECT_EQ(v, c.value) << c.text;
+        }
     }
 }
 

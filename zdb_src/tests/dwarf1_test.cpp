@@ -111,19 +111,6 @@ TEST_P(Dwarf1Translation, WhatTheSiblingWalkDoesNotFind) {
     EXPECT_EQ(dwarf(0x2100), "d2.c|/d2|-1|lexical_parent");
 }
 
-TEST_P(Dwarf1Translation, EmptyFunctionNameComesBackUnchanged) {
-    zdb_addr_result r = zdb_translate_addr(&file, 0x2084);
-    ASSERT_TRUE(r);
-    EXPECT_STREQ(r->function(), "");
-    EXPECT_STREQ(r->path_a(), "d1.c");
-    EXPECT_EQ(r->line, 15);
-    // No unit: the ELF symbol alone.
-    r = zdb_translate_addr(&file, 0x2204);
-    ASSERT_TRUE(r);
-    EXPECT_STREQ(r->function(), "sym_beyond");
-    EXPECT_EQ(r->line, 0);
-}
-
 INSTANTIATE_TEST_SUITE_P(BothByteOrders, Dwarf1Translation, testing::Bool(),
                          [](const auto& info) { return info.param ? "BigEndian" : "LittleEndian"; });
 

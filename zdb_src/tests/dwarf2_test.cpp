@@ -290,48 +290,16 @@ std::string fileline(const dwarf2_writer& w, uint32_t addr, std::string* message
 
 }  // namespace
 
-TEST(Dwarf2LinePrograms, DamagedProgramsFindNothing) {
+TEST(Dwarf2LinePrograms, UnknownExtendedOpcodeFindsNothing) {
+    dwarf2_writer w;
+    size_t p = w.begin_line({"a.c"});
+    w.set_address(0x100);
+    w.copy();
+    w.line.u8(0), w.line.uleb(2), w.line.u8(0x80), w.line.u8(0);
+    w.end_line(p);
     std::string messages;
-    {
-        dwarf2_writer w;
-        size_t p = w.begin_line({"a.c"});
-        w.set_address(0x100);
-        w.copy();
-        w.line.u8(0), w.line.uleb(2), w.line.u8(0x80), w.line.u8(0);
-        w.end_line(p);
-        EXPECT_EQ(fileline(w, 0x100, &messages), "(none)");
-        EXPECT_EQ(messages, "Unknown extened dwarf2 opcode (128)\n");
-    }
-    {
-        dwarf2_writer w;  // a line range of 0
-        size_t p = w.begin_line({"a.c"}, -5, 0);
-        w.set_address(0x100);
-        w.special(20);
-        w.special(20);
-        w.end_line(p);
-        EXPECT_EQ(fileline(w, 0x100, &messages), "(none)");
-    }
-    {
-        dwarf2_writer w;  // a row of a file beyond the table
-        size_t p = w.begin_line({"a.c"});
-        w.line.u8(4), w.line.uleb(7);
-        w.set_address(0x100);
-        w.copy();
-        w.advance_pc(4);
-        w.copy();
-        w.end_line(p);
-        EXPECT_EQ(fileline(w, 0x104, &messages), "(none)");
-    }
-    {
-        dwarf2_writer w;  // a length beyond the section, a sequence without end
-        size_t p = w.begin_line({"a.c"});
-        w.set_address(0x100);
-        w.copy();
-        w.end_line(p);
-        w.line.put32(p, 0x7FFFFFF0);
-        EXPECT_EQ(fileline(w, 0x100, &messages), "(none)");
-        EXPECT_EQ(messages, "");
-    }
+    EXPECT_EQ(fileline(w, 0x100, &messages), "(none)");
+    EXPECT_EQ(messages, "Unknown extened dwarf2 opcode (128)\n");
 }
 
 TEST(Dwarf2Entries, UnknownAbbreviationAndUnsupportedForm) {
@@ -372,25 +340,5 @@ TEST(Dwarf2Entries, UnknownAbbreviationAndUnsupportedForm) {
     CaptureStderr();
     EXPECT_EQ(get_tag(s, cu, 11, &die), 0);
     EXPECT_EQ(GetCapturedStderr(), "Abbrev-table for abbrev code 0 not found\n");
-    EXPECT_EQ(find_cu(s, &cu), 0);
-}
-
-TEST(Dwarf2Entries, UnitHeadersOutOfReachEndTheWalk) {
-    dwarf2_writer w;
-    w.abbreviation(1, DW_TAG_compile_unit, false, {});
-    w.end_abbreviations();
-    size_t u = w.begin_unit();
-    w.info.uleb(1);
-    w.end_unit(u);
-    // A length that would wrap around to the first unit again.
-    w.info.put32(u, 0xFFFFFFFCu);
-    dwarf2_sections s = sections_of(w);
-    dwarf2_cu cu;
-    ASSERT_EQ(find_cu(s, &cu), 1);
-    EXPECT_EQ(find_cu(s, &cu), 0);
-    // A header cut off by the section's end.
-    w.info.out.resize(8);
-    s = sections_of(w);
-    cu = {};
     EXPECT_EQ(find_cu(s, &cu), 0);
 }

@@ -68,20 +68,16 @@ TEST(ElfOpen, EveryFailureHasItsStatus) {
     for (const auto& p : {text, empty, dyn, fifo}) unlink(p.c_str());
 }
 
-TEST(ElfOpen, TruncatedExecutableIsNotAnElfFileAtAnyLength) {
+// Cut anywhere, or with tables and sections outside the file: no ELF file.
+TEST(ElfOpen, DamagedFilesAreNotElfFiles) {
     std::vector<uint8_t> whole = read_file(fixture("ppc_app.elf"));
     ASSERT_GT(whole.size(), 1000u);
-    uint32_t shoff = get32_be(whole, 32);
-    std::vector<size_t> cuts = {1, 4, 5, 6, 51, 52, shoff, shoff + 39, shoff + 40, whole.size() - 1};
+    std::vector<std::vector<uint8_t>> bad;
+    const uint32_t real_shoff = get32_be(whole, 32);
+    std::vector<size_t> cuts = {1, 4, 5, 6, 51, 52, real_shoff, real_shoff + 39, real_shoff + 40, whole.size() - 1};
     for (size_t cut = 7; cut < whole.size(); cut += 257) cuts.push_back(cut);
-    for (size_t cut : cuts) {
-        std::string path = write_temp_file("cut.elf", {whole.begin(), whole.begin() + cut});
-        EXPECT_EQ(open_status(path).status, ZDB_OPEN_NOT_ELF) << "cut at " << cut;
-        unlink(path.c_str());
-    }
-}
+    for (size_t cut : cuts) bad.push_back({whole.begin(), whole.begin() + long(cut)});
 
-TEST(ElfOpen, TablesAndSectionsOutsideTheFileAreNotAnElfFile) {
     std::vector<uint8_t> good = build_elf(small_exec());
     uint32_t shoff = get32_be(good, 32);
     auto patched = [&](size_t at, uint32_t v, bool half = false) {
@@ -90,14 +86,12 @@ TEST(ElfOpen, TablesAndSectionsOutsideTheFileAreNotAnElfFile) {
         else put32_be(b, at, v);
         return b;
     };
-    std::vector<std::vector<uint8_t>> bad = {
-        patched(32, 0xFFFFFFF0u),                    // e_shoff
-        patched(48, 0xFFFF, true),                   // e_shnum
-        patched(50, 9, true),                        // e_shstrndx beyond e_shnum
-        patched(shoff + 2 * 40 + 16, 0xFFFFFF00u),   // .symtab's offset
-        patched(shoff + 3 * 40 + 20, 0x7FFFFFFFu),   // .strtab's size
-        patched(shoff + 4 * 40 + 16, 0xFFFFFFFCu),   // the name table's offset
-    };
+    bad.push_back(patched(32, 0xFFFFFFF0u));                   // e_shoff
+    bad.push_back(patched(48, 0xFFFF, true));                  // e_shnum
+    bad.push_back(patched(50, 9, true));                       // e_shstrndx beyond e_shnum
+    bad.push_back(patched(shoff + 2 * 40 + 16, 0xFFFFFF00u));  // .symtab's offset
+    bad.push_back(patched(shoff + 3 * 40 + 20, 0x7FFFFFFFu));  // .strtab's size
+    bad.push_back(patched(shoff + 4 * 40 + 16, 0xFFFFFFFCu));  // the name table's offset
     for (size_t i = 0; i < bad.size(); i++) {
         std::string path = write_temp_file("bad.elf", bad[i]);
         EXPECT_EQ(open_status(path).status, ZDB_OPEN_NOT_ELF) << "case " << i;
@@ -112,8 +106,6 @@ TEST(ElfOpen, TablesAndSectionsOutsideTheFileAreNotAnElfFile) {
 TEST(ElfOpen, FindsTheSectionsOfARealExecutable) {
     zdb_file f;
     zdb_open_file(&f, fixture("ppc_app.elf").c_str());
-    EXPECT_EQ(f.ehdr, f.base);
-    EXPECT_NE(f.fd, 0);
     EXPECT_EQ(f.is_dwarf2, 1);
     for (const uint8_t* sh : {f.text, f.symtab, f.strtab, f.debug_info, f.debug_abbrev, f.debug_line, f.debug_str})
         EXPECT_NE(sh, nullptr);

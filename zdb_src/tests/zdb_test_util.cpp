@@ -1,15 +1,10 @@
 #include "zdb_src/tests/zdb_test_util.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-
-extern char** environ;
 
 void byte_writer::u16(uint32_t v) {
     if (big_endian) {
@@ -149,33 +144,6 @@ zdb_open_result open_status(const std::string& path) {
     zdb_file f;
     zdb_open_result r = zdb_open_file(&f, path.c_str());
     zdb_close_file(&f);
-    return r;
-}
-
-child_result run_program(const std::vector<std::string>& argv) {
-    child_result r;
-    int pipe_fds[2];
-    if (pipe(pipe_fds) != 0) return r;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipe_fds[1], 1);
-    posix_spawn_file_actions_addclose(&actions, pipe_fds[0]);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    std::vector<char*> args;
-    for (const auto& a : argv) args.push_back(const_cast<char*>(a.c_str()));
-    args.push_back(nullptr);
-    pid_t pid;
-    int spawned = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(pipe_fds[1]);
-    if (spawned == 0) {
-        char buf[4096];
-        for (ssize_t n; (n = read(pipe_fds[0], buf, sizeof buf)) > 0;) r.out.append(buf, size_t(n));
-        int status = 0;
-        waitpid(pid, &status, 0);
-        if (WIFEXITED(status)) r.status = WEXITSTATUS(status);
-    }
-    close(pipe_fds[0]);
     return r;
 }
 

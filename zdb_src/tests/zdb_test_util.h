@@ -1,12 +1,13 @@
 // Helpers of the symbol file reader tests: a writer of small ELF images of
 // either byte order, writers of DWARF 1 and DWARF 2 sections, the fixture
-// executables, and running code or tools in a child process.
+// executables.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "tests/run_program.h"
 #include "zdb_src/zdb.h"
 
 // Bytes in a chosen order.
@@ -65,16 +66,6 @@ std::string fixture(const std::string& name);
 
 // What zdb_open_file makes of the path.
 zdb_open_result open_status(const std::string& path);
-
-// What a program left: its exit status (or -1 if it didn't exit) and its
-// standard output.
-struct child_result {
-    int status = -1;
-    std::string out;
-};
-
-// Runs a program by argument vector and collects its standard output.
-child_result run_program(const std::vector<std::string>& argv);
 
 // DWARF 2 sections, most significant byte first.
 struct dwarf2_writer {
