@@ -45,7 +45,7 @@ TEST(LoadModuleText, LinesFillTheirRecord) {
     // The version line names the file only in the text block form.
     const std::string version = "Load module id: LQZ2223334_R1A\n"
                                 "Load module version: @(#)LQZ2223334 R1A 2023-04-05 board.elf ppc405\n";
-    EXPECT_EQ(modules(version, 0), "LQZ2223334_R1A|||||LQZ2223334|R1A|0+0|0+0\n");
+    EXPECT_EQ(modules(version, 0), "LQZ2223334_R1A||||LQZ2223334|R1A|0+0|0+0\n");
     EXPECT_EQ(modules(version, 1), "LQZ2223334_R1A||board.elf|ppc405|LQZ2223334|R1A|0+0|0+0\n");
     // A later range line wins; section lines feed the same fields; capital
     // "SIZE" is no size, so no range line.
