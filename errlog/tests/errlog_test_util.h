@@ -9,7 +9,6 @@
 #include "tests/capture.h"
 #include "tools/errlog_image.h"
 
-
 inline std::string print_log(const std::vector<uint8_t>& image, int* result = nullptr, int check_magic = 0) {
     return capture([&](FILE* f) {
         int r = lg_print_dump(f, image, check_magic);
@@ -25,12 +24,5 @@ inline std::vector<uint8_t> ring_of(const std::vector<lg_image_record>& recs, ui
     ring.start = start;
     for (const auto& r : recs) ring.records.push_back(lg_build_record(r));
     return lg_build_ring(ring);
-}
-
-// The lines of a printed record behind its separator and time line.
-inline std::string body_of(const std::string& printed) {
-    size_t sep = printed.find("Time");
-    size_t nl = printed.find('\n', sep);
-    return nl == std::string::npos ? printed : printed.substr(nl + 1);
 }
 
