@@ -29,32 +29,6 @@ hex_read read_hex(const std::string& text, size_t room = 64) {
 
 using bytes = std::vector<uint8_t>;
 
-TEST(ReadHexSignal, BytesBrokenOverLinesAndWhereTheyEnd) {
-    // "a" at a line end and "5" indented on the next are one byte; an empty
-    // line ends the data.
-    hex_read r = read_hex("head <hex> =   00 00 03 e9 a\n     5 01\n\nnext");
-    EXPECT_EQ(r.bytes, (bytes{0x00, 0x00, 0x03, 0xe9, 0xa5, 0x01}));
-    EXPECT_EQ(r.signo, 1001u);
-    EXPECT_EQ(r.rest, "next");
-
-    // A blank in front of the line end lets the conversion run on; a last
-    // single digit in front of a word is dropped and passed by one.
-    r = read_hex("<hex> = 00 00 00 01 \n\n02 3\nThe end");
-    EXPECT_EQ(r.bytes, (bytes{0, 0, 0, 1, 2}));
-    EXPECT_EQ(r.rest, "The end");
-
-    // Behind a byte's line end the data goes on unless the word is no
-    // digit pair: "fr" is not one, and the position moves on by one.
-    r = read_hex("<hex> = 00 00 00 02\n10\nfrom: x");
-    EXPECT_EQ(r.bytes, (bytes{0, 0, 0, 2, 0x10}));
-    EXPECT_EQ(r.rest, "rom: x");
-
-    // CR LF behind the last byte ends the data at the first line end.
-    r = read_hex("<hex> = 00 00 00 03 0a\r\n0b\r\n");
-    EXPECT_EQ(r.bytes, (bytes{0, 0, 0, 3, 0x0a}));
-    EXPECT_EQ(r.rest, "0b\r\n");
-}
-
 TEST(ReadHexSignal, BoundedByBufferTextAndZeroByte) {
     hex_read r = read_hex("<hex> = 00 00 00 04 05 06 07", 5);
     EXPECT_EQ(r.bytes, (bytes{0, 0, 0, 4, 5}));

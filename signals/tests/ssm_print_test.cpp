@@ -32,15 +32,6 @@ signal MOTOR_SET 0x1001 {
     float gain
     ptr next
 }
-signal SAMPLES 0x1002 {
-    uint sig_no
-    uint v[1]
-}
-signal STATUS 0x1003 {
-    uint sig_no
-    ushort state format="%u"
-    ushort flags format="0x%04x"
-}
 signal NESTED 0x1004 {
     uint sig_no
     struct inner {
@@ -48,11 +39,6 @@ signal NESTED 0x1004 {
         uint b
     }
     uint tail
-}
-table extra order=)" + order + R"(
-signal PING 0x2001 {
-    uint sig_no
-    uchar seq
 }
 )";
 }
