@@ -126,22 +126,4 @@ TEST(KrdTag, MatchesInTableOrder) {
     }
 }
 
-TEST(KrdHeader, ReadsTheFileRecord) {
-    pmd_dump dd;
-    dd.dump_id = 0xCAFE0001;
-    dd.version = 3;
-    dd.sections.push_back(memory_section("X", "abc"));
-    dump_fixture d(dd);
-    auto h = krd_get_header(d.f());
-    ASSERT_TRUE(h);
-    EXPECT_EQ(h->dump_id, 0xCAFE0001u);
-    EXPECT_EQ(h->version, 3u);
-    EXPECT_EQ(h->total_size, d.f()->size);
-
-    bytes b = pmd_build_dump(dd);
-    b[12] = 'X';  // "PMD XERS"
-    dump_fixture bad(b);
-    EXPECT_FALSE(krd_get_header(bad.f()));
-}
-
 }  // namespace
