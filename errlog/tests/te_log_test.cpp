@@ -17,28 +17,12 @@ bytes build(const std::string& script) {
     return image;
 }
 
-uint32_t be32(const bytes& v, size_t at) {
-    return uint32_t(v[at]) << 24 | uint32_t(v[at + 1]) << 16 | uint32_t(v[at + 2]) << 8 | v[at + 3];
-}
-
 std::string printed(bytes& image, const char* timer, int* result) {
     return capture([&](FILE* f) { *result = te_print_log(f, image, timer); });
 }
 
 // 32 bytes and 4 units with a message of two characters.
 const char* entry = "entry seconds=1000000000 base=100 ticks=150 file=\"f.c\" line=7 group=4 msg=\"m{n}\"";
-
-TEST(TeLog, RingIsFoundAnywhereAndRebasedOnce) {
-    bytes image = build("image size=1000 address=0x20000000\nring at=37 size=600\n" + std::string(entry));
-    uint32_t size = uint32_t(image.size());
-    std::optional<uint32_t> ring = te_locate_ring(image, size);
-    ASSERT_EQ(ring, 37u);
-    EXPECT_EQ(be32(image, 37 + TRACE_START), 37u + 44);
-    EXPECT_EQ(be32(image, 37 + TRACE_TAIL), 37u + 44);
-    // Never wrapped: the ring ends at its first unwritten unit, behind head.
-    EXPECT_EQ(be32(image, 37 + TRACE_END), be32(image, 37 + TRACE_HEAD));
-    EXPECT_EQ(size, be32(image, 37 + TRACE_END) - (37 + 44) + 60);
-}
 
 TEST(TeLog, NoRingAndAnEmptyRing) {
     bytes none(300, 0);

@@ -178,17 +178,6 @@ TEST(SignalArchiveManager, ArchivesThatLie) {
     EXPECT_EQ(ssmLoad("LQZ_B"), -3);
     EXPECT_EQ(ssmLoad("LQZ_A"), 0);
 
-    // Two entries of one name: all distinct names are there, the first
-    // entry of the name is the one used.
-    const std::string dup = dir.archive("dup.zip", members_b);
-    dir.repeat_name(dup, 1);
-    EXPECT_EQ(ssmSelectArchive(dup.c_str(), &heap), -6);
-    EXPECT_EQ(ssmInfo()[0].second, 1u);
-    EXPECT_EQ(ssmLoad("LQZ_B"), 0);
-    EXPECT_EQ(print("LQZ_B", {0, 2, 0, 0, 'a', 'b', 'c', 0}),
-              "Signal B_SIG:\n\n00000000: sig_no = 0x200\n00000004: tag[0] = 0x61\n00000005: tag[1] = 0x62\n"
-              "00000006: tag[2] = 0x63\n00000007: tag[3] = 0x0");
-
     // A member that cannot be opened (a method nobody inflates) is an
     // access problem, even where its size is more than it could inflate to.
     const std::string lzma = dir.archive("lzma.zip", members_b);
