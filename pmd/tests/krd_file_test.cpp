@@ -31,26 +31,23 @@ TEST(KrdOpen, RecognisesByTheFirstSectionOnly) {
 }
 
 TEST(KrdOpen, Failures) {
-    uint8_t error = 9;
     bytes shorty(58, 0);
     shorty[56] = 'B', shorty[57] = 'L';
-    std::string p = temp_path("short");
+    const std::string p = temp_path("short");
     pmd_write_file(p, shorty);
-    EXPECT_FALSE(krd_open_file(0, p.c_str(), &error));
-    EXPECT_EQ(error, 1);
+    // 1: no PMD file; 2: cannot be opened (no resident store here); 3: no name, or both.
+    const struct {
+        uint32_t dump_id;
+        const char* path;
+        uint8_t error;
+    } cases[] = {{0, p.c_str(), 1}, {0, "/nonexistent/x.pmd", 2}, {0, "/tmp", 2},
+                 {7, nullptr, 2},   {0, nullptr, 3},              {7, "x", 3}};
+    for (const auto& c : cases) {
+        uint8_t error = 9;
+        EXPECT_FALSE(krd_open_file(c.dump_id, c.path, &error)) << (c.path ? c.path : "(none)");
+        EXPECT_EQ(error, c.error) << (c.path ? c.path : "(none)");
+    }
     unlink(p.c_str());
-
-    EXPECT_FALSE(krd_open_file(0, "/nonexistent/x.pmd", &error));
-    EXPECT_EQ(error, 2);
-    EXPECT_FALSE(krd_open_file(0, "/tmp", &error));
-    EXPECT_EQ(error, 2);
-    EXPECT_FALSE(krd_open_file(7, nullptr, &error));  // no resident store here
-    EXPECT_EQ(error, 2);
-    EXPECT_FALSE(krd_open_file(0, nullptr, &error));
-    EXPECT_EQ(error, 3);
-    EXPECT_FALSE(krd_open_file(7, "x", &error));
-    EXPECT_EQ(error, 3);
-
     std::unique_ptr<krd_file> none;
     krd_close_file(&none);
     EXPECT_FALSE(none);
