@@ -20,7 +20,10 @@ std::string error_name(const errOse_table& t, uint32_t code) {
     return row->code ? row->name : "";
 }
 
-TEST(Catalogue, ComponentSearch) {
+TEST(Catalogue, SystemCallsAndComponents) {
+    // System calls by the code's third byte alone.
+    EXPECT_STREQ(lg_system_call(0xFF440012), "set_pri_for");
+    EXPECT_EQ(lg_system_call(0x00450000), nullptr);
     const errOse_table* t = nullptr;
     EXPECT_EQ(components_of(0x00E00004, &t), (std::vector<std::string>{"PROGRAM MANAGER"}));
     EXPECT_EQ(error_name(*t, 0x00E00004), "PM_EINTERNAL");
