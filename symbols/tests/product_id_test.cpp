@@ -47,10 +47,16 @@ TEST(ProductString, MarkerFoundAcrossTheWholeRun) {
     EXPECT_EQ(product(run), std::string(29, 'a'));
 }
 
-// A FIFO without a writer is read as empty, not waited on: its name serves.
-TEST(ProductId, FifoIsReadAsEmpty) {
+// The whole file is searched; a FIFO without a writer is read as empty, not
+// waited on, and its name serves.
+TEST(ProductId, WholeFileAndFifo) {
     std::string dir = temp_path("pid");
     mkdir(dir.c_str(), 0700);
+    std::string marked = dir + "/other.elf";
+    std::string text = std::string(70000, '\0') + "@(#)LQZ9 R9 ...................." + '\0';
+    pmd_write_file(marked, bytes(text.begin(), text.end()));
+    EXPECT_EQ(lm_product_id(marked.c_str()), "LQZ9_R9");
+    unlink(marked.c_str());
     std::string fifo = dir + "/LQZ6_R1A.elf";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     alarm(20);

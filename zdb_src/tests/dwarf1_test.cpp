@@ -109,6 +109,10 @@ TEST_P(Dwarf1Translation, WhatTheSiblingWalkDoesNotFind) {
     EXPECT_EQ(dwarf(0x2150), "d2.c|/d2|30|");
     // Below the line table's base the delta wraps: no row.
     EXPECT_EQ(dwarf(0x2100), "d2.c|/d2|-1|lexical_parent");
+    // An empty function name is no "<...>": the ELF symbol does not stand in.
+    zdb_addr_result r = zdb_translate_addr(&file, 0x2084);
+    ASSERT_TRUE(r);
+    EXPECT_STREQ(r->function(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(BothByteOrders, Dwarf1Translation, testing::Bool(),
