@@ -109,32 +109,24 @@ pmd_section text_section(const std::string& text) {
     return s;
 }
 
-// What parse_lm_table makes of the dump's sections, as modules() shows it.
-std::string from_dump(const std::vector<pmd_section>& sections) {
+// Whether parse_lm_table finds a module list among the dump's sections.
+bool has_table(const std::vector<pmd_section>& sections) {
     pmd_dump d;
     d.sections = sections;
     dump_fixture fx(d);
-    lm_table t = parse_lm_table(fx.f());
-    if (!t) return "(none)";
-    std::string out;
-    for (const load_module& m : *t) out += m.name + " ";
-    return out;
+    return bool(parse_lm_table(fx.f()));
 }
 
+// Which section is preferred is in the report cases (lm_preferred).
 TEST(LoadModuleTable, ReadFromTheDump) {
     const std::string lm = "Load module id: LQZ7_R1A\nStart code: 0x40 Size: 0x4\n";
-    // "LOADED PROGRAMS" is preferred; the other section is not read.
-    EXPECT_EQ(from_dump({text_section("LOAD MODULE INFORMATION\nLoad module id: OTHER\n"),
-                         memory_section("LOADED PROGRAMS", lm)}),
-              "LQZ7_R1A ");
     // A "LOADED PROGRAMS" text block has no payload descriptor: no table,
     // and the other section does not stand in.
-    EXPECT_EQ(from_dump({text_section("LOADED PROGRAMS\n" + lm), text_section("LOAD MODULE INFORMATION\n" + lm)}),
-              "(none)");
+    EXPECT_FALSE(has_table({text_section("LOADED PROGRAMS\n" + lm), text_section("LOAD MODULE INFORMATION\n" + lm)}));
     // A size word far beyond what the stream can give is not allocated.
     pmd_section huge = memory_section("LOADED PROGRAMS", lm);
     huge.size_word = 0xFFFFFFF0;
-    EXPECT_EQ(from_dump({huge}), "(none)");
+    EXPECT_FALSE(has_table({huge}));
 }
 
 TEST(LoadModuleTable, MatchedFileThatIsNoElfStopsTheAttachment) {
