@@ -35,6 +35,9 @@ const char* find_process_name(const char* title);
 run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
 run_step print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
+// The NPC trace's two files beside the dump; false (told) if one cannot be
+// created.
+bool write_nexus_files(std::span<const uint8_t> payload);
 
 // Failures that end the run, told as it ends.
 void print_symbol_file_failure(const zdb_open_result& failure);

@@ -47,3 +47,6 @@ system_params read_system_params(krd_file* f, krd_section* chain);
 // The line of a key after a read, telling a failed read in the report as
 // get_system_param does: none after a message.
 const char* system_param_line(FILE* stream, const system_params& params, const char* key);
+// The value of a parameter of the dump's SYSTEM PARAMETERS section: its
+// line behind the key and one separator; empty if absent or unreadable.
+std::string system_param_value(FILE* stream, krd_file* f, const char* key);

@@ -52,3 +52,25 @@ const char* get_system_param(FILE* stream, krd_file* f, krd_section* chain, cons
     params = read_system_params(f, chain);
     return system_param_line(stream, params, key);
 }
+
+// Every T&E and swap-in section asks, so the section is read on the first
+// lookup in a dump only; a failed read is told again at each.
+std::string system_param_value(FILE* stream, krd_file* f, const char* key) {
+    static uint64_t read_from = 0;  // the dump's serial
+    static bool have_params = false;
+    static system_params params;
+    if (read_from != f->serial) {
+        read_from = f->serial;
+        krd_chain chain = krd_find_section(f, nullptr, "SYSTEM PARAMETERS");
+        have_params = chain != nullptr;
+        if (chain) params = read_system_params(f, chain.get());
+        krd_free_chain(chain);
+    }
+    std::string value;
+    if (have_params) {
+        const char* line = system_param_line(stream, params, key);
+        size_t skip = std::strlen(key) + 1;
+        if (line && std::strlen(line) > skip) value = line + skip;
+    }
+    return value;
+}
