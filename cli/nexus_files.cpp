@@ -6,8 +6,9 @@
 
 // The raw NPC trace beside the dump, in hex and in binary.
 bool write_nexus_files(std::span<const uint8_t> payload) {
-    std::string hex_name = std::string(dump_file_name) + ".nexus.hex";
-    std::string bin_name = std::string(dump_file_name) + ".nexus.bin";
+    const std::string dump = the_run().dump_file_name;
+    std::string hex_name = dump + ".nexus.hex";
+    std::string bin_name = dump + ".nexus.bin";
     FILE* hex = std::fopen(hex_name.c_str(), "w");
     if (!hex) {
         std::perror("fopen:");

@@ -6,8 +6,6 @@
 #include "render/dump_printers.h"
 #include "render/section_blocks.h"
 
-int te_heading_done = 0;
-
 run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options) {
     const std::string& title = chain->title;
     const char* t = title.c_str();
@@ -16,9 +14,9 @@ run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* 
         std::fprintf(out, "\n%s\n", t);
     } else if (title == "TRACE AND ERROR") {
         std::fputc('\n', out);
-        if (!te_heading_done) {
+        if (!the_run().te_heading_done) {
             std::fprintf(out, "\n[%s]\n\n", t);
-            te_heading_done = 1;
+            the_run().te_heading_done = 1;
         }
     } else if (title.starts_with("SIGNAL QUEUE FOR PROCESS")) {
         std::fputc('\n', out);

@@ -109,7 +109,7 @@ run_step print_te_block(const memory_block& b) {
 }
 
 run_step print_npc_block(const memory_block& b) {
-    if (nexus_files == 1 && !write_nexus_files(b.buf)) return RUN_GO_ON;
+    if (the_run().nexus_files == 1 && !write_nexus_files(b.buf)) return RUN_GO_ON;
     zdb_open_result symbols;
     int r = handle_nexus_log(b.out, b.f, b.options, b.buf, &symbols);
     if (!symbols.ok()) {

@@ -47,15 +47,15 @@ TEST(RunFailure, SymbolFileFailuresInTheirWordsAndStreams) {
 
 struct rows_guard {
     rows_guard(std::initializer_list<std::pair<const char*, const char*>> rows, uint32_t count) {
-        process_rows.assign(rows.size() + 1, process_row{});
+        run_process_rows().rows.assign(rows.size() + 1, process_row{});
         size_t i = 0;
         for (auto& [pid, name] : rows) {
-            std::strcpy(process_rows[i].pid, pid);
-            std::strcpy(process_rows[i].name, name);
+            std::strcpy(run_process_rows().rows[i].pid, pid);
+            std::strcpy(run_process_rows().rows[i].name, name);
             i++;
         }
-        process_row_count = count;
-        process_row_capacity = uint32_t(process_rows.size());
+        run_process_rows().process_row_count = count;
+        run_process_rows().process_row_capacity = uint32_t(run_process_rows().rows.size());
         index_process_rows();
     }
     ~rows_guard() { free_process_rows(); }

@@ -28,30 +28,30 @@ TEST_F(ProcessRows, FieldsComeFromTheirPlacesAndABackslashContinuesTheEntry) {
     text += "\"beta\" \\\n  background 2 3 4 5 6 7 8 9 10 11 12 13 0x00010002\n";
     text += "\"gamma\"\ninterrupt 2 3 4 5 6 7 8 9 10 11 12 13 0x00010003\n";  // not ended before field 2
     read_text_process_dump(nullptr, bytes_of(text));
-    ASSERT_EQ(process_row_count, 3u);
-    EXPECT_STREQ(process_rows[0].name, "\"alpha\"");
-    EXPECT_STREQ(process_rows[0].type, "prioritized");
-    EXPECT_STREQ(process_rows[0].pid, "0x00010001");
-    EXPECT_STREQ(process_rows[1].name, "\"beta\"");
-    EXPECT_STREQ(process_rows[1].type, "background");
-    EXPECT_STREQ(process_rows[1].pid, "0x00010002");
-    EXPECT_STREQ(process_rows[2].type, "interrupt");
-    EXPECT_EQ(find_process_row("0x00010003"), &process_rows[2]);
+    ASSERT_EQ(run_process_rows().process_row_count, 3u);
+    EXPECT_STREQ(run_process_rows().rows[0].name, "\"alpha\"");
+    EXPECT_STREQ(run_process_rows().rows[0].type, "prioritized");
+    EXPECT_STREQ(run_process_rows().rows[0].pid, "0x00010001");
+    EXPECT_STREQ(run_process_rows().rows[1].name, "\"beta\"");
+    EXPECT_STREQ(run_process_rows().rows[1].type, "background");
+    EXPECT_STREQ(run_process_rows().rows[1].pid, "0x00010002");
+    EXPECT_STREQ(run_process_rows().rows[2].type, "interrupt");
+    EXPECT_EQ(find_process_row("0x00010003"), &run_process_rows().rows[2]);
     EXPECT_EQ(find_process_row("0x0001000"), nullptr);
 }
 
 TEST_F(ProcessRows, LastLineWithoutNewlineIsLookedUpToo) {
     std::string text = line("one", "t", "0x00000001") + "\"two\" t 2 3 4 5 6 7 8 9 10 11 12 13 0x00000002";
     read_text_process_dump(nullptr, bytes_of(text));
-    EXPECT_EQ(process_row_count, 1u);
+    EXPECT_EQ(run_process_rows().process_row_count, 1u);
     ASSERT_NE(find_process_row("0x00000002"), nullptr);
     EXPECT_STREQ(find_process_row("0x00000002")->name, "\"two\"");
 }
 
 TEST_F(ProcessRows, TextWithoutQuotesFillsNothing) {
     read_text_process_dump(nullptr, bytes_of("name type 2 3 4 5 6 7 8 9 10 11 12 13 0x00000001\n\n"));
-    EXPECT_EQ(process_row_count, 0u);
-    EXPECT_EQ(process_row_capacity, 1024u);
+    EXPECT_EQ(run_process_rows().process_row_count, 0u);
+    EXPECT_EQ(run_process_rows().process_row_capacity, 1024u);
     EXPECT_EQ(find_process_row("0x00000001"), nullptr);
 }
 
@@ -64,19 +64,19 @@ TEST_F(ProcessRows, TableGrowsByCleanSteps) {
         text += line(name, "t", pid);
     }
     read_text_process_dump(nullptr, bytes_of(text));
-    EXPECT_EQ(process_row_count, 1030u);
-    EXPECT_EQ(process_row_capacity, 2048u);
-    EXPECT_STREQ(process_rows[1024].name, "\"p1024\"");
-    EXPECT_STREQ(process_rows[1030].name, "");
-    EXPECT_STREQ(process_rows[2047].pid, "");
+    EXPECT_EQ(run_process_rows().process_row_count, 1030u);
+    EXPECT_EQ(run_process_rows().process_row_capacity, 2048u);
+    EXPECT_STREQ(run_process_rows().rows[1024].name, "\"p1024\"");
+    EXPECT_STREQ(run_process_rows().rows[1030].name, "");
+    EXPECT_STREQ(run_process_rows().rows[2047].pid, "");
 }
 
 TEST_F(ProcessRows, LongFieldsAreCutAndStayTerminated) {
     const std::string name(300, 'n');
     read_text_process_dump(nullptr, bytes_of(line(name, std::string(150, 't'), "0x" + std::string(80, '1'))));
-    EXPECT_EQ(std::string(process_rows[0].name), "\"" + std::string(98, 'n'));
-    EXPECT_EQ(std::string(process_rows[0].type), std::string(99, 't'));
-    EXPECT_EQ(std::string(process_rows[0].pid).size(), 49u);
+    EXPECT_EQ(std::string(run_process_rows().rows[0].name), "\"" + std::string(98, 'n'));
+    EXPECT_EQ(std::string(run_process_rows().rows[0].type), std::string(99, 't'));
+    EXPECT_EQ(std::string(run_process_rows().rows[0].pid).size(), 49u);
 }
 
 TEST_F(ProcessRows, SwapListShowsNamesTypesAndDeltaTimes) {

@@ -137,7 +137,7 @@ TEST_F(PidTable, GrowsPastItsFirstRowsAndFindsTheFirstRowOfAPid) {
         text += process("p", 0x1000 + i % 2000);
     }
     load(text);
-    EXPECT_EQ(pid_lm_count, 2500u);
+    EXPECT_EQ(run_pid_table().pid_lm_count, 2500u);
     EXPECT_EQ(lmid_of(0x1000 + 1499), "first");
     EXPECT_EQ(lmid_of(0x1000 + 1500), "second");
     // Pids 0x1000 to 0x11f3 come again in block "second": the first row counts.
