@@ -16,9 +16,12 @@ template <class T>
 struct run_part {
     std::unique_ptr<T, void (*)(T*)> held{nullptr, nullptr};
 
-    // Instantiated only where T is complete, i.e. inside its component.
-    T& get() {
-        if (!held) held = {new T(), [](T* p) { delete p; }};
+    static void remove(T* p) { delete p; }
+
+    // Instantiated only where T is complete, i.e. inside its component,
+    // which may give what releases the part with the record.
+    T& get(void (*release)(T*) = remove) {
+        if (!held) held = {new T(), release};
         return *held;
     }
 };

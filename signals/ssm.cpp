@@ -50,8 +50,15 @@ const char* ssmResultText(int code) {
     return ssm_result_texts[code + 10].text;
 }
 
-// The run's data base (the_run().db).
-static SsmDataBase& db() { return the_run().db.get(); }
+static void ssmReleaseFiles(SsmDataBase& d);
+
+// The run's data base (the_run().db), given back with the run.
+static SsmDataBase& db() {
+    return the_run().db.get([](SsmDataBase* d) {
+        ssmReleaseFiles(*d);
+        delete d;
+    });
+}
 
 // ---- What the run keeps across selections ----
 
@@ -91,13 +98,13 @@ static std::string member_key(const std::string& path, std::string_view name) {
 
 // ---- Records ----
 
-static void resetSsmDataBase() {
-    db().selected = 0;
-    db().archive_path.clear();
-    db().memory_used = 0;
-    db().file_count = 0;
-    db().first_file = db().last_file = db().files = nullptr;
-    db().listing.reset();
+static void resetSsmDataBase(SsmDataBase& d) {
+    d.selected = 0;
+    d.archive_path.clear();
+    d.memory_used = 0;
+    d.file_count = 0;
+    d.first_file = d.last_file = d.files = nullptr;
+    d.listing.reset();
 }
 
 static SsmFile* ssmFindFile(const char* lmid) {
@@ -127,33 +134,38 @@ static bool ssmCreateFiles() {
     return true;
 }
 
-static void ssmFreeFile(SsmFile* f) {
-    if (f->block) db().alloc.release(f->block);
+static void ssmFreeFile(SsmDataBase& d, SsmFile* f) {
+    if (f->block) d.alloc.release(f->block);
     f->image = f->block = nullptr;
-    db().memory_used -= f->image_size;
+    d.memory_used -= f->image_size;
     f->loaded = 0;
 }
 
-static void ssmFreeTableList(SsmFile* f) {
+static void ssmFreeTableList(SsmDataBase& d, SsmFile* f) {
     if (f->tables) {
-        db().alloc.release(f->tables);
-        db().memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
+        d.alloc.release(f->tables);
+        d.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
     }
     f->tables = nullptr;
     f->lookups = nullptr;
     f->table_count = 0;
 }
 
-static void ssmUnloadFile(SsmFile* f) {
+static void ssmUnloadFile(SsmDataBase& d, SsmFile* f) {
     if (!f->loaded) return;
-    ssmFreeFile(f);
-    ssmFreeTableList(f);
+    ssmFreeFile(d, f);
+    ssmFreeTableList(d, f);
+}
+
+// Every member's memory and the records' block.
+static void ssmReleaseFiles(SsmDataBase& d) {
+    for (SsmFile* f = d.first_file; f; f = f->next) ssmUnloadFile(d, f);
+    if (d.files) d.alloc.release(d.files);
 }
 
 void deleteSsmDataBase() {
-    for (SsmFile* f = db().first_file; f; f = f->next) ssmUnloadFile(f);
-    if (db().files) db().alloc.release(db().files);
-    resetSsmDataBase();
+    ssmReleaseFiles(db());
+    resetSsmDataBase(db());
 }
 
 // ---- Selecting an archive ----
@@ -202,7 +214,7 @@ static int ssmReadDirectory(const char* path, ssm_listing* out) {
 int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
     if (db().alloc.release) deleteSsmDataBase();
     db().alloc = *allocators;
-    resetSsmDataBase();
+    resetSsmDataBase(db());
     if (!path) return SSM_ARCHIVE_ERROR;
     db().archive_path = path;
 
@@ -251,7 +263,7 @@ static int ssmReadFile(SsmFile* f) {
     }
     if (unzOpenCurrentFile(zip) != UNZ_OK) {
         unzClose(zip);
-        if (can_fill) ssmFreeFile(f);
+        if (can_fill) ssmFreeFile(db(), f);
         return SSM_ARCHIVE_ERROR;
     }
     if (!can_fill) {
@@ -268,7 +280,7 @@ static int ssmReadFile(SsmFile* f) {
     unzCloseCurrentFile(zip);
     unzClose(zip);
     if (got < f->image_size) {
-        ssmFreeFile(f);
+        ssmFreeFile(db(), f);
         return SSM_SHORT_READ;
     }
     f->loaded = 1;
@@ -359,7 +371,7 @@ int ssmLoad(const char* lmid) {
         }
         kept = outcome_cache.emplace(key, std::move(outcome)).first;
     }
-    if (r != SSM_OK) ssmUnloadFile(f);
+    if (r != SSM_OK) ssmUnloadFile(db(), f);
     else if (kept != outcome_cache.end()) f->lookups = kept->second.lookups.data();
     return r;
 }
@@ -368,7 +380,7 @@ int ssmUnload(const char* lmid) {
     if (!db().selected) return SSM_NOT_SELECTED;
     SsmFile* f = ssmFindFile(lmid);
     if (!f) return SSM_NO_SUCH_FILE;
-    ssmUnloadFile(f);
+    ssmUnloadFile(db(), f);
     return SSM_OK;
 }
 
@@ -377,7 +389,7 @@ int ssmUnload(const char* lmid) {
 // they may have borrowed kept images.
 int ssmUnloadAll() {
     if (db().selected)
-        for (SsmFile* f = db().first_file; f; f = f->next) ssmUnloadFile(f);
+        for (SsmFile* f = db().first_file; f; f = f->next) ssmUnloadFile(db(), f);
     run_ssm_kept().outcome_cache.clear();
     run_ssm_kept().listing_cache.clear();
     return db().selected ? SSM_OK : SSM_NOT_SELECTED;
