@@ -16,11 +16,11 @@
 // it ends the run: *symbols tells why (else it is left as it was).
 int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<const uint8_t> payload,
                      zdb_open_result* symbols);
-// One decoded message's block. Always 0; *symbols as above.
 // The addresses rebuilt across messages, sections and cores are the run's
 // (the_run().last_addr, pc_ptbm, F_ADDR_core0 to F_ADDR_core7); the process
-// list file is read once per section, into names.
+// list file is read at most once per section, into that section's names.
 struct nexus_names;
+// One decoded message's block. Always 0; *symbols as above.
 int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg, nexus_names& names,
                   zdb_open_result* symbols);
 // Names of the processes whose line in "Proc_list_temp.txt" holds text.

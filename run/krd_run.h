@@ -9,8 +9,8 @@
 
 #include "run/krd_options.h"
 
-// Parts of the run whose types belong to a component: declared there (in
-// the header named beside each field), owned here. run/ depends on none of
+// Parts of the run whose types belong to a component: defined there (in
+// the file named beside each declaration below), owned here. run/ depends on none of
 // them: a part is made, and its deleter chosen, by the component on first use.
 template <class T>
 struct run_part {
@@ -31,9 +31,9 @@ struct system_params;    // render/section_blocks.h
 struct pid_table;        // signals/sig_text.h
 struct pid_name_list;    // signals/kernel_trace_bin.h
 struct SsmDataBase;      // signals/ssm.h
-struct ssm_kept;         // signals/ssm.h
-struct cross_tool_state; // symbols/cross_tool.h
-struct pc_addr_cache;    // symbols/address_print.h
+struct ssm_kept;         // signals/ssm.cpp
+struct cross_tool_state; // symbols/cross_tool.cpp
+struct pc_addr_cache;    // symbols/address_print.cpp
 
 struct krd_run {
     // The command line. Only sigsym_failed and zip_current change during
@@ -76,10 +76,12 @@ struct krd_run {
     uint32_t F_ADDR_core4 = 0, F_ADDR_core5 = 0, F_ADDR_core6 = 0, F_ADDR_core7 = 0;
 
     // Address translation, for the call traces and the Nexus report: the
-    // cross tool's processes and answers, and the lines printed per address.
+    // cross tool's path, its processes and their answers; whether its absence
+    // has been told (once per run); the load module list and -e file that
+    // print_pc_addr keeps between its calls.
     run_part<cross_tool_state> cross_tool;
-    int cross_tool_missing_told = 0;  // said once per run
-    run_part<pc_addr_cache> pc_addr_lines;
+    int cross_tool_missing_told = 0;
+    run_part<pc_addr_cache> pc_addr;
 };
 
 krd_run& the_run();

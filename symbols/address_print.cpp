@@ -149,9 +149,9 @@ void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_
     print_address_to(*out, symbols, list, addr, options, product_id ? product_id : "");
 }
 
-// What print_pc_addr keeps between its calls in one run (the_run().
-// pc_addr_lines): the dump's load module list and the open -e file. Both are
-// what a fresh read would give.
+// What print_pc_addr keeps between its calls in one run (the_run().pc_addr):
+// the dump's load module list and the open -e file. Both are what a fresh
+// read would give.
 struct pc_addr_cache {
     const krd_file* dump = nullptr;
     std::string dump_name;
@@ -164,7 +164,7 @@ struct pc_addr_cache {
 
 namespace {
 
-pc_addr_cache& cache() { return the_run().pc_addr_lines.get(); }
+pc_addr_cache& cache() { return the_run().pc_addr.get(); }
 
 bool same_dump(const pc_addr_cache& c, const krd_file* f) {
     return c.dump == f && c.dump_name == f->name && c.dump_size == f->size && c.dump_id == f->dump_id &&
