@@ -14,9 +14,6 @@
 #include "symbols/calltrace.h"
 #include "symbols/cross_tool.h"
 
-int nexus_files = 0;
-const char* dump_file_name = nullptr;
-
 int is_numeric_arg(const char* text) {
     const char* p = text;
     if (*p == '0') p++;
@@ -100,11 +97,9 @@ static int find_long_request(int count, char** av, const char* letters) {
 
 // The run behind cmd_krd; what it cannot write comes back in write_error.
 static int run_krd(int argc, char** argv, int* write_error) {
-    static krd_options options;
-    options = krd_options{};
-    options.demangle_style = 1;
-    nexus_files = 0;
-    te_heading_done = 0;
+    start_run();
+    krd_run& run = the_run();
+    krd_options& options = run.options;
     const char* letters = "hvltTgnce:m:C:p:x:s:o:z:b:N";
     const char* out_name = nullptr;
 
@@ -130,7 +125,7 @@ static int run_krd(int argc, char** argv, int* write_error) {
     }
     for (int i = 0; i < count; i++) {
         if (std::strcmp(args[first + size_t(i)], "-nexus_files") == 0) {
-            nexus_files = 1;
+            run.nexus_files = 1;
             args.erase(args.begin() + long(first) + i);
             count--;
             break;
@@ -193,7 +188,7 @@ static int run_krd(int argc, char** argv, int* write_error) {
             options.basic_lmid = optarg;
             options.flags |= KRD_OPT_BASIC_LMID;
             break;
-        case 'N': nexus_files = 1; break;
+        case 'N': run.nexus_files = 1; break;
         default: return usage_failure();
         }
     }
@@ -207,8 +202,8 @@ static int run_krd(int argc, char** argv, int* write_error) {
         return 1;
     }
 
-    dump_file_name = av[optind];
-    auto dump = open_dump(dump_file_name);
+    run.dump_file_name = av[optind];
+    auto dump = open_dump(run.dump_file_name);
     if (!dump) return 1;
 
     FILE* out = stdout;
@@ -247,7 +242,7 @@ static int run_krd(int argc, char** argv, int* write_error) {
             std::fputs("Error: No PROCESS LIST section found.\n", stderr);
         }
         krd_close_file(&dump);
-        dump = open_dump(dump_file_name);
+        dump = open_dump(run.dump_file_name);
         if (!dump) return 1;
     }
 

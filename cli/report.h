@@ -8,6 +8,7 @@
 #include "pmd/krd_file.h"
 #include "pmd/section_chain.h"
 #include "run/krd_options.h"
+#include "run/krd_run.h"
 #include "signals/signals.h"
 #include "zdb_src/zdb.h"
 
@@ -35,14 +36,10 @@ const char* find_process_name(const char* title);
 run_step print_section(FILE* out, krd_file* f, krd_section* chain, krd_options* options);
 run_step print_memory_block(FILE* out, krd_file* f, krd_section* chain, krd_options* options, uint8_t first_pass);
 void print_signal_block(FILE* out, krd_file* f, krd_section* chain);
+// The NPC trace's two files beside the dump; false (told) if one cannot be
+// created.
+bool write_nexus_files(std::span<const uint8_t> payload);
 
 // Failures that end the run, told as it ends.
 void print_symbol_file_failure(const zdb_open_result& failure);
 void end_run_on_read_failure(krd_file* f, int error);
-
-// Set once the T&E heading has been printed in this run.
-extern int te_heading_done;
-// Run-wide values outside the options record: -N / -nexus_files, and the
-// dump's path.
-extern int nexus_files;
-extern const char* dump_file_name;

@@ -33,7 +33,7 @@ const char* find_process_name(const char* title) {
     if (n > 0)
         for (size_t z = 9 > n ? 9 - n : 0; z > 0; z--) key[at++] = '0';
     std::memcpy(key + at, d, n + 1);
-    if (process_row_count == 0) return nullptr;
+    if (run_process_rows().process_row_count == 0) return nullptr;
     const process_row* row = find_process_row_10(key);
     return row ? row->name : nullptr;
 }
@@ -95,7 +95,7 @@ run_step print_dump_sections(FILE* out, krd_file* f, krd_options* options) {
             chain = krd_get_section(f, &cursor);
         }
     }
-    if (process_row_capacity != 0) free_process_rows();
+    if (run_process_rows().process_row_capacity != 0) free_process_rows();
     if (options->flags & KRD_OPT_ZIP) {
         ssmUnloadAll();
         free_process_list();

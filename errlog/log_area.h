@@ -16,7 +16,8 @@ constexpr uint32_t LG_EMPTY_OFFSET = 0xFFFFFFFF;
 // Element 0 holds the base, so a walk finds at most 63 records.
 constexpr int LG_MAX_ENTRIES = 64;
 
-// State of the last walk.
+// State of the last walk, for the printing of one section: lg_image is that
+// section's payload, gone with it. Nothing here outlives the section.
 extern uint32_t lg_size;
 extern lg_cursor lg_entries[LG_MAX_ENTRIES];
 extern std::span<const uint8_t> lg_image;

@@ -61,8 +61,9 @@ int get_trace(trace_cursor* cursor);
 
 // Ticks for a microsecond count: the value divided by 4000. Writes nothing.
 uint32_t get_systime(uint32_t* microsecs);
-// Where alloc_trace takes its time stamp: given the block's microsecond
-// field, it may fill it and returns the ticks. get_systime unless replaced.
+// A hook: where alloc_trace takes its time stamp. Given the block's
+// microsecond field, it may fill it and returns the ticks. get_systime unless
+// replaced.
 extern uint32_t (*trace_systime)(uint32_t* microsecs);
 
 // Units of a block asked for with `size` bytes: the head and one more than

@@ -12,6 +12,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<uint8_t> first(data, data + half), second(data + half, data + size);
     print_trace_sect(sink, first);
     print_trace_sect(sink, second);
-    free_pidNameList(pidNameList);
+    free_pidNameList(run_pid_name_list());
     return 0;
 }

@@ -6,14 +6,18 @@
 
 #include "nexus/nexus.h"
 #include "nexus/process_names.h"
+#include "run/krd_run.h"
 #include "support/byte_cursor.h"
 #include "support/text_span.h"
 #include "symbols/calltrace.h"
 
-uint32_t last_addr = 0;
-uint32_t pc_ptbm = 0;
-uint32_t F_ADDR_core0 = 0, F_ADDR_core1 = 0, F_ADDR_core2 = 0, F_ADDR_core3 = 0;
-uint32_t F_ADDR_core4 = 0, F_ADDR_core5 = 0, F_ADDR_core6 = 0, F_ADDR_core7 = 0;
+// The process list, read at the first identity a section looks up and
+// dropped with the file at the section's end.
+struct nexus_names {
+    enum { unread, present, missing } state = unread;
+    proc_list_file file;
+    std::vector<uint32_t> hits;
+};
 
 namespace {
 
@@ -21,17 +25,9 @@ constexpr const char* proc_list_name = "Proc_list_temp.txt";
 // Longest name of a message or field in the tables.
 constexpr size_t name_limit = 16;
 
-uint32_t* const F_ADDR_cores[8] = {&F_ADDR_core0, &F_ADDR_core1, &F_ADDR_core2, &F_ADDR_core3,
-                                   &F_ADDR_core4, &F_ADDR_core5, &F_ADDR_core6, &F_ADDR_core7};
-
-// The process list, read at the first identity a section looks up and
-// dropped with the file at the section's end.
-struct names_state {
-    enum { unread, present, missing } state = unread;
-    proc_list_file file;
-    std::vector<uint32_t> hits;
-};
-names_state names;
+constexpr uint32_t krd_run::* F_ADDR_cores[8] = {
+    &krd_run::F_ADDR_core0, &krd_run::F_ADDR_core1, &krd_run::F_ADDR_core2, &krd_run::F_ADDR_core3,
+    &krd_run::F_ADDR_core4, &krd_run::F_ADDR_core5, &krd_run::F_ADDR_core6, &krd_run::F_ADDR_core7};
 
 // Names and source positions need both -n and a symbol file.
 bool names_condition(const krd_options* options) {
@@ -61,8 +57,8 @@ void print_words(out_buffer& out, int number, const uint32_t* words, int count) 
 }
 
 // msg is the section's one record, set up anew for each message.
-void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, nexus_msg& msg, const uint32_t* words,
-                            int count, zdb_open_result* symbols) {
+void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, nexus_msg& msg, nexus_names& names,
+                            const uint32_t* words, int count, zdb_open_result* symbols) {
     const uint8_t tcode = nexus_tcode(words[0]);
     int row = 0;
     const bool known = validate_tcode(tcode, &row);
@@ -82,18 +78,18 @@ void print_complete_message(out_buffer& out, krd_file* f, krd_options* options, 
             get_msg_field_details(&msg, words[0], row);
         }
         get_msg_field_values(&msg, std::span<const uint32_t>(words, size_t(count)));
-        print_message(out, f, options, msg, symbols);
+        print_message(out, f, options, msg, names, symbols);
     }
 }
 
 }  // namespace
 
-int search_in_file(out_buffer& out, const char* text) {
-    if (names.state == names_state::unread) {
-        names.state = proc_list_read(proc_list_name, &names.file) ? names_state::present : names_state::missing;
-        if (names.state == names_state::present) proc_list_build_index(&names.file);
+int search_in_file(out_buffer& out, nexus_names& names, const char* text) {
+    if (names.state == nexus_names::unread) {
+        names.state = proc_list_read(proc_list_name, &names.file) ? nexus_names::present : nexus_names::missing;
+        if (names.state == nexus_names::present) proc_list_build_index(&names.file);
     }
-    if (names.state == names_state::missing) return -1;
+    if (names.state == nexus_names::missing) return -1;
     proc_list_find(names.file, text, &names.hits);
     for (uint32_t line : names.hits) {
         const std::string name = proc_list_first_word(names.file.lines[line]);
@@ -103,8 +99,9 @@ int search_in_file(out_buffer& out, const char* text) {
     return 0;
 }
 
-int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg,
+int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexus_msg& msg, nexus_names& names,
                   zdb_open_result* symbols) {
+    krd_run& run = the_run();
     uint32_t pc = 0, uaddr = 0;
     {
         // The block up to the addresses' translations: at most 80 characters
@@ -155,7 +152,7 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
                     char text[16];
                     std::snprintf(text, sizeof text, "%lx", (unsigned long)id);
                     t.commit();
-                    search_in_file(out, text);
+                    search_in_file(out, names, text);
                     t.reopen(room);
                 }
                 break;
@@ -166,17 +163,17 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
                 t.text(" 0x");
                 t.hex(pc);
                 t.text(" :");
-                last_addr = pc;
+                run.last_addr = pc;
                 break;
             case nexus_role::u_addr:
                 // " 0x%lx ", then ": PC_PTBM = 0x%lx :"
                 uaddr = v[1] <= 3 ? v[1] << 30 | v[0] : v[0];
-                pc_ptbm = last_addr ^ uaddr;
-                if (v[1] <= 3) last_addr = pc_ptbm;
+                run.pc_ptbm = run.last_addr ^ uaddr;
+                if (v[1] <= 3) run.last_addr = run.pc_ptbm;
                 t.text(" 0x");
                 t.hex(uaddr);
                 t.text(" : PC_PTBM = 0x");
-                t.hex(pc_ptbm);
+                t.hex(run.pc_ptbm);
                 t.text(" :");
                 break;
             default:
@@ -195,11 +192,11 @@ int print_message(out_buffer& out, krd_file* f, krd_options* options, const nexu
     const int core = (msg.src >> 1) & 15;
     if (pc >= 2 && translate) {
         if (!print_address_line(out, f, options, pc, symbols)) return 0;
-        if (core <= 7) *F_ADDR_cores[core] = pc;
+        if (core <= 7) run.*F_ADDR_cores[core] = pc;
         else out_printf(out, "New core : %d", core);
     }
     if (uaddr >= 2 && translate) {
-        if (core <= 7) uaddr ^= *F_ADDR_cores[core];
+        if (core <= 7) uaddr ^= run.*F_ADDR_cores[core];
         else out_printf(out, "New core : %d", core);
         if (!print_address_line(out, f, options, uaddr, symbols)) return 0;
     }
@@ -218,6 +215,7 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
     {
         auto out = std::make_unique<out_buffer>(stream);
         auto msg = std::make_unique<nexus_msg>();
+        nexus_names names;
         byte_cursor cursor(payload);
         uint32_t words[NEXUS_MAX_WORDS];
         int count = 0;
@@ -234,17 +232,15 @@ int handle_nexus_log(FILE* stream, krd_file* f, krd_options* options, std::span<
             }
             print_words(*out, ++number, words, count);
             zdb_open_result opened;
-            print_complete_message(*out, f, options, *msg, words, count, &opened);
+            print_complete_message(*out, f, options, *msg, names, words, count, &opened);
             if (!opened.ok()) {
                 // The run ends: the process list file stays behind.
                 *symbols = opened;
-                names = names_state{};
                 return 0;
             }
             count = 0;
         }
     }
-    names = names_state{};
     if (options->flags & KRD_OPT_NEXUS_NAMES) std::remove(proc_list_name);
     return 0;
 }

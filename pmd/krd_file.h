@@ -87,6 +87,10 @@ struct krd_dump_entry {
     uint32_t time_usec;
 };
 
+// The reader's hooks below (z_alloc, z_free, krd_get_byte, krd_read_failed)
+// are global on purpose: where a host or a test puts its own function,
+// before a run. They are no state of the run.
+
 // Allocation hooks of the reader. z_free takes the address of the variable
 // holding the block and does not clear it.
 using z_alloc_fn = void* (*)(size_t size, uint32_t unused);
@@ -105,11 +109,11 @@ struct z_deleter {
 };
 using z_buffer = std::unique_ptr<uint8_t[], z_deleter>;
 
-// The byte getter used by the payload code.
+// The byte getter used by the payload code: a hook.
 using krd_get_byte_fn = uint8_t (*)(krd_file* f);
 extern krd_get_byte_fn krd_get_byte;
 
-// Called when the dump cannot be read at a fill, with the errno of the read.
+// A hook called when the dump cannot be read at a fill, with the errno of the read.
 // The reader carries on as past the file's end; a host that cannot go on
 // without the bytes ends the run here. None by default.
 using krd_read_failed_fn = void (*)(krd_file* f, int error);

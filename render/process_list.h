@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <span>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "pmd/krd_file.h"
@@ -16,11 +18,18 @@ struct process_row {
     char pid[50];
 };
 
-// Rows 0 to process_row_count, that one included, may hold a process: the
-// row behind the last complete one holds a last line without a newline.
-extern std::vector<process_row> process_rows;
-extern uint32_t process_row_count;
-extern uint32_t process_row_capacity;
+// The run's process row table (the_run().process_rows). Rows 0 to
+// process_row_count, that one included, may hold a process: the row behind
+// the last complete one holds a last line without a newline.
+struct process_table {
+    std::vector<process_row> rows;
+    uint32_t process_row_count = 0;
+    uint32_t process_row_capacity = 0;
+    // Rows by their whole pid text and by its first 10 characters, the
+    // first row of an identity holding it.
+    std::unordered_map<std::string_view, const process_row*> rows_by_pid, rows_by_pid10;
+};
+process_table& run_process_rows();
 
 // The rows are never more than this; a longer list keeps its first rows.
 inline constexpr uint32_t process_row_limit = 1u << 17;

@@ -7,25 +7,24 @@
 
 #include "pmd/section_payload.h"
 #include "render/process_list.h"
+#include "run/krd_run.h"
 #include "support/text.h"
 
-std::vector<process_row> process_rows;
-uint32_t process_row_count = 0;
-uint32_t process_row_capacity = 0;
+process_table& run_process_rows() { return the_run().process_rows.get(); }
 
 namespace {
 
 constexpr uint32_t rows_per_step = 1024;
 
 // Another step of cleared rows; false at the limit or with no memory.
-bool grow_rows() {
-    if (process_row_capacity >= process_row_limit) return false;
+bool grow_rows(process_table& t) {
+    if (t.process_row_capacity >= process_row_limit) return false;
     try {
-        process_rows.resize(process_row_capacity + rows_per_step, process_row{});
+        t.rows.resize(t.process_row_capacity + rows_per_step, process_row{});
     } catch (const std::bad_alloc&) {
         return false;
     }
-    process_row_capacity += rows_per_step;
+    t.process_row_capacity += rows_per_step;
     return true;
 }
 
@@ -39,11 +38,9 @@ void store(process_row& row, uint32_t field, uint64_t col, uint8_t c) {
 
 }  // namespace
 
-// Rows by their whole pid text and by its first 10 characters, the first
-// row of an identity holding it: headings, listing lines and swap-in lines
-// look a name up over and over, and a list may name thousands of processes.
+// Headings, listing lines and swap-in lines look a name up over and over,
+// and a list may name thousands of processes: they ask an index.
 using row_index = std::unordered_map<std::string_view, const process_row*>;
-static row_index rows_by_pid, rows_by_pid10;
 
 static std::string_view first10(const char* text) { return {text, strnlen(text, 10)}; }
 
@@ -53,29 +50,27 @@ static const process_row* lookup(const row_index& index, std::string_view key) {
 }
 
 void index_process_rows() {
-    rows_by_pid.clear();
-    rows_by_pid10.clear();
-    if (process_row_capacity == 0) return;
-    for (uint32_t i = 0; i <= process_row_count && i < process_rows.size(); i++) {
-        rows_by_pid.emplace(process_rows[i].pid, &process_rows[i]);
-        rows_by_pid10.emplace(first10(process_rows[i].pid), &process_rows[i]);
+    process_table& t = run_process_rows();
+    t.rows_by_pid.clear();
+    t.rows_by_pid10.clear();
+    if (t.process_row_capacity == 0) return;
+    for (uint32_t i = 0; i <= t.process_row_count && i < t.rows.size(); i++) {
+        t.rows_by_pid.emplace(t.rows[i].pid, &t.rows[i]);
+        t.rows_by_pid10.emplace(first10(t.rows[i].pid), &t.rows[i]);
     }
 }
 
-const process_row* find_process_row(const char* pid) { return lookup(rows_by_pid, pid); }
-const process_row* find_process_row_10(const char* key) { return lookup(rows_by_pid10, first10(key)); }
-
-void free_process_rows() {
-    rows_by_pid.clear();
-    rows_by_pid10.clear();
-    std::vector<process_row>().swap(process_rows);
-    process_row_count = 0;
-    process_row_capacity = 0;
+const process_row* find_process_row(const char* pid) { return lookup(run_process_rows().rows_by_pid, pid); }
+const process_row* find_process_row_10(const char* key) {
+    return lookup(run_process_rows().rows_by_pid10, first10(key));
 }
+
+void free_process_rows() { run_process_rows() = process_table{}; }
 
 void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
     free_process_rows();
-    if (!grow_rows()) {
+    process_table& t = run_process_rows();
+    if (!grow_rows(t)) {
         std::fputs("Error: Unable to allocate memory for process list information!\n", stderr);
         return;
     }
@@ -83,7 +78,7 @@ void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
     uint64_t col = 0;
     bool word_open = false, entry_started = false;
     for (uint8_t c : text) {
-        if (row >= process_row_capacity && !grow_rows()) break;
+        if (row >= t.process_row_capacity && !grow_rows(t)) break;
         if (c == 0 || c == '\r') continue;
         if (c == '"' || entry_started) {
             entry_started = true;
@@ -98,7 +93,7 @@ void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
                 // A backslash continues an entry on the next line.
                 if (field == 0 || field == 1 || field == 14) {
                     if (c == '\\') word_open = false;
-                    else store(process_rows[row], field, col++, c);
+                    else store(t.rows[row], field, col++, c);
                 }
             }
         }
@@ -110,8 +105,8 @@ void read_text_process_dump(FILE*, std::span<const uint8_t> text) {
         }
     }
     // The row behind the last complete one is looked up too: it must exist.
-    if (row >= process_row_capacity && !grow_rows()) row = process_row_capacity - 1;
-    process_row_count = row;
+    if (row >= t.process_row_capacity && !grow_rows(t)) row = t.process_row_capacity - 1;
+    t.process_row_count = row;
     index_process_rows();
 }
 

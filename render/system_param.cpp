@@ -1,8 +1,10 @@
 #include <cstring>
+#include <optional>
 #include <string>
 
 #include "pmd/section_payload.h"
 #include "render/section_blocks.h"
+#include "run/krd_run.h"
 
 // The key's line: from its first occurrence anywhere in the text to the
 // next newline, without double quotes.
@@ -17,6 +19,7 @@ static std::string param_line(std::string_view text, const char* key) {
 
 system_params read_system_params(krd_file* f, krd_section* chain) {
     system_params params;
+    params.found = true;
     params.title = chain->title;
     krd_payload payload;
     params.status = krd_read_chain_payload(f, chain, &payload);
@@ -47,8 +50,28 @@ const char* system_param_line(FILE* stream, const system_params& params, const c
     return "";
 }
 
-const char* get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key) {
-    static system_params params;
-    params = read_system_params(f, chain);
-    return system_param_line(stream, params, key);
+std::optional<std::string> get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key) {
+    const char* line = system_param_line(stream, read_system_params(f, chain), key);
+    if (!line) return std::nullopt;
+    return line;
+}
+
+// Every T&E and swap-in section asks, so the section is read on the first
+// lookup in a dump only; a failed read is told again at each.
+std::string system_param_value(FILE* stream, krd_file* f, const char* key) {
+    krd_run& run = the_run();
+    system_params& params = run.system_params_read.get();
+    if (run.system_params_serial != f->serial) {
+        run.system_params_serial = f->serial;
+        krd_chain chain = krd_find_section(f, nullptr, "SYSTEM PARAMETERS");
+        params = chain ? read_system_params(f, chain.get()) : system_params{};
+        krd_free_chain(chain);
+    }
+    std::string value;
+    if (params.found) {
+        const char* line = system_param_line(stream, params, key);
+        size_t skip = std::strlen(key) + 1;
+        if (line && std::strlen(line) > skip) value = line + skip;
+    }
+    return value;
 }

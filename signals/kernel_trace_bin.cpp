@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <memory>
 
+#include "run/krd_run.h"
 #include "signals/kernel_trace_bin.h"
 #include "signals/signals.h"
 #include "support/byte_cursor.h"
 
-pid_name_list pidNameList;
+pid_name_list& run_pid_name_list() { return the_run().pidNameList.get(); }
 
 void add_pidNameList(pid_name_list& list, uint32_t pid, std::string name) {
     list.newest[pid] = std::move(name);
@@ -95,7 +96,7 @@ struct trace_record {
 struct name_of {
     char unnamed[11];
     const char* operator()(uint32_t pid) {
-        if (const char* name = find_pidName(pidNameList, pid)) return name;
+        if (const char* name = find_pidName(run_pid_name_list(), pid)) return name;
         std::snprintf(unnamed, sizeof unnamed, "0x%08x", pid);
         return unnamed;
     }
@@ -173,7 +174,7 @@ void print_trace_sect(FILE* stream, std::span<const uint8_t> data) {
             uint32_t pid = r.word(4);
             if (!r.ok) break;
             std::string name = r.text(32);
-            add_pidNameList(pidNameList, pid, std::move(name));
+            add_pidNameList(run_pid_name_list(), pid, std::move(name));
         } else if (kind >= trace_send && kind <= trace_warm_start) {
             if (!print_event(*out, r, kind)) break;
         } else if (kind != trace_none) {
@@ -182,5 +183,5 @@ void print_trace_sect(FILE* stream, std::span<const uint8_t> data) {
         // The next record starts at the next multiple of 4 from the data's start.
         pos = (pos + 4 + size_t(length) + 3) & ~size_t(3);
     }
-    free_pidNameList(pidNameList);
+    free_pidNameList(run_pid_name_list());
 }

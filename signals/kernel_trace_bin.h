@@ -15,8 +15,9 @@ struct pid_name_list {
     std::unordered_map<uint32_t, std::string> newest;
 };
 
-// The run's list: it outlives a trace that ends with an end-of-trace record.
-extern pid_name_list pidNameList;
+// The run's list (the_run().pidNameList): it outlives a trace that ends
+// with an end-of-trace record.
+pid_name_list& run_pid_name_list();
 
 void add_pidNameList(pid_name_list& list, uint32_t pid, std::string name);
 // The newest name of the pid, or null.

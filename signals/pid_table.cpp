@@ -5,81 +5,68 @@
 #include <new>
 #include <unordered_map>
 
+#include "run/krd_run.h"
 #include "signals/sig_text.h"
 #include "signals/text_scan.h"
 
-std::vector<pid_lm_row> pid_lm_rows;
-uint32_t pid_lm_count = 0;
-uint32_t pid_lm_capacity = 0;
+pid_table& run_pid_table() { return the_run().pid_lm_rows.get(); }
 
 static constexpr uint32_t pid_lm_step = 1024;
-
-// Indexes over the rows, so that neither a lookup nor a BLOCK line walks
-// the whole table: the first row of each pid, and per segment the counted
-// rows without a true ("LQZ") id and the last row with one.
-struct segment_rows {
-    std::vector<uint32_t> without_true_id;
-    int64_t last_true_id = -1;
-};
-static std::unordered_map<uint32_t, uint32_t> first_row_of_pid;
-static std::unordered_map<uint32_t, segment_rows> rows_of_segment;
 
 static bool is_true_lmid(const std::string& id) { return id.compare(0, 3, "LQZ") == 0; }
 
 void free_process_list() {
-    if (pid_lm_capacity == 0) return;
-    std::vector<pid_lm_row>().swap(pid_lm_rows);
-    first_row_of_pid = {};
-    rows_of_segment = {};
-    pid_lm_count = 0;
-    pid_lm_capacity = 0;
+    pid_table& t = run_pid_table();
+    if (t.pid_lm_capacity == 0) return;
+    t = pid_table{};
 }
 
 int find_LMID(uint32_t pid, krd_signal_record* record) {
-    auto it = first_row_of_pid.find(pid);
-    if (it == first_row_of_pid.end()) {
+    const pid_table& t = run_pid_table();
+    auto it = t.first_row_of_pid.find(pid);
+    if (it == t.first_row_of_pid.end()) {
         record->lmid = nullptr;
         return 0;
     }
-    record->lmid = pid_lm_rows[it->second].lmid.c_str();
+    record->lmid = t.rows[it->second].lmid.c_str();
     return 1;
 }
 
-static bool grow_rows() {
+static bool grow_rows(pid_table& t) {
     try {
-        pid_lm_rows.resize(size_t(pid_lm_capacity) + pid_lm_step);
+        t.rows.resize(size_t(t.pid_lm_capacity) + pid_lm_step);
     } catch (const std::bad_alloc&) {
         return false;
     }
-    pid_lm_capacity += pid_lm_step;
+    t.pid_lm_capacity += pid_lm_step;
     return true;
 }
 
-static void count_row() {
-    uint32_t i = pid_lm_count++;
-    const pid_lm_row& row = pid_lm_rows[i];
-    first_row_of_pid.emplace(row.pid, i);
-    segment_rows& seg = rows_of_segment[row.segment_id];
+static void count_row(pid_table& t) {
+    uint32_t i = t.pid_lm_count++;
+    const pid_lm_row& row = t.rows[i];
+    t.first_row_of_pid.emplace(row.pid, i);
+    segment_rows& seg = t.rows_of_segment[row.segment_id];
     if (is_true_lmid(row.lmid)) seg.last_true_id = std::max<int64_t>(seg.last_true_id, i);
     else seg.without_true_id.push_back(i);
 }
 
 // A BLOCK line prepares the row of the next process. A true id also goes to
 // every earlier row of its segment that has none.
-static void prepare_block_row(uint32_t segment_id, const std::string& name) {
-    pid_lm_row& row = pid_lm_rows[pid_lm_count];
+static void prepare_block_row(pid_table& t, uint32_t segment_id, const std::string& name) {
+    pid_lm_row& row = t.rows[t.pid_lm_count];
     row.segment_id = segment_id;
     row.pid = 0;
-    segment_rows& seg = rows_of_segment[segment_id];
+    segment_rows& seg = t.rows_of_segment[segment_id];
     if (is_true_lmid(name)) {
         row.lmid = name;
         for (uint32_t i : seg.without_true_id) {
-            pid_lm_rows[i].lmid = name;
+            t.rows[i].lmid = name;
             seg.last_true_id = std::max<int64_t>(seg.last_true_id, i);
         }
         seg.without_true_id.clear();
     } else if (seg.last_true_id >= 0) {
-        row.lmid = pid_lm_rows[size_t(seg.last_true_id)].lmid;
+        row.lmid = t.rows[size_t(seg.last_true_id)].lmid;
     } else {
         row.lmid = name;
     }
@@ -87,7 +74,8 @@ static void prepare_block_row(uint32_t segment_id, const std::string& name) {
 
 void get_process_list(std::span<const uint8_t> image, krd_options* options) {
     free_process_list();
-    if (!grow_rows()) {
+    pid_table& t = run_pid_table();
+    if (!grow_rows(t)) {
         std::fputs("Error: Unable to allocate memory for symbolic signal information!\n", stderr);
         return;
     }
@@ -98,7 +86,7 @@ void get_process_list(std::span<const uint8_t> image, krd_options* options) {
     bool block_fresh = false;
     char word[256];
     while (p < end) {
-        if (pid_lm_count == pid_lm_capacity && !grow_rows()) return;
+        if (t.pid_lm_count == t.pid_lm_capacity && !grow_rows(t)) return;
         const char* open = text_find(p, end, "\"");
         const char* close = open ? text_find(open + 1, end, "\"") : nullptr;
         if (!close) return;
@@ -115,7 +103,7 @@ void get_process_list(std::span<const uint8_t> image, krd_options* options) {
                 segment_id = segment;
                 if ((options->flags & KRD_OPT_BASIC_LMID) && segment_id == 0)
                     name = options->basic_lmid ? options->basic_lmid : "";
-                prepare_block_row(segment_id, name);
+                prepare_block_row(t, segment_id, name);
                 block_name = name;
                 block_fresh = true;
             }
@@ -124,13 +112,13 @@ void get_process_list(std::span<const uint8_t> image, krd_options* options) {
             if (text_scanf(p, end, "%*s%*s%*s%*s%*x%*x%*s%*s%*s%*s%*d%*d%x", &pid) != 1) {
                 std::fprintf(stderr, "Warning: corrupt entry \"%s\" in PROCESS LIST.\n", name.c_str());
             } else {
-                pid_lm_row& row = pid_lm_rows[pid_lm_count];
+                pid_lm_row& row = t.rows[t.pid_lm_count];
                 row.pid = pid;
                 if (!block_fresh) {
                     row.segment_id = segment_id;
                     row.lmid = block_name;
                 }
-                count_row();
+                count_row(t);
                 block_fresh = false;
             }
         }

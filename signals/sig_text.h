@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "run/krd_options.h"
@@ -20,11 +21,26 @@ struct pid_lm_row {
     uint32_t pid = 0;
 };
 
-// Rows in the order of the process list; rows from pid_lm_count on are room
-// (the one at pid_lm_count may be prepared by a BLOCK line).
-extern std::vector<pid_lm_row> pid_lm_rows;
-extern uint32_t pid_lm_count;
-extern uint32_t pid_lm_capacity;
+// Per segment, the counted rows without a true ("LQZ") id and the last row
+// with one.
+struct segment_rows {
+    std::vector<uint32_t> without_true_id;
+    int64_t last_true_id = -1;
+};
+
+// The run's pid table (the_run().pid_lm_rows). Rows in the order of the
+// process list; rows from pid_lm_count on are room (the one at pid_lm_count
+// may be prepared by a BLOCK line).
+struct pid_table {
+    std::vector<pid_lm_row> rows;
+    uint32_t pid_lm_count = 0;
+    uint32_t pid_lm_capacity = 0;
+    // Indexes over the rows, so that neither a lookup nor a BLOCK line walks
+    // the whole table: the first row of each pid, and each segment's rows.
+    std::unordered_map<uint32_t, uint32_t> first_row_of_pid;
+    std::unordered_map<uint32_t, segment_rows> rows_of_segment;
+};
+pid_table& run_pid_table();
 
 // The first row of this pid sets record->lmid: 1. None: lmid null, 0.
 int find_LMID(uint32_t pid, krd_signal_record* record);

@@ -24,6 +24,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "run/krd_run.h"
 #include "signals/sig_print.h"
 #include "signals/sig_table.h"
 
@@ -49,7 +50,15 @@ const char* ssmResultText(int code) {
     return ssm_result_texts[code + 10].text;
 }
 
-static SsmDataBase db;
+static void ssmReleaseFiles(SsmDataBase& d);
+
+// The run's data base (the_run().db), given back with the run.
+static SsmDataBase& db() {
+    return the_run().db.get([](SsmDataBase* d) {
+        ssmReleaseFiles(*d);
+        delete d;
+    });
+}
 
 // ---- What the run keeps across selections ----
 
@@ -73,8 +82,12 @@ struct ssm_outcome {
     std::vector<uint32_t> tables;
     std::vector<sig_lookup> lookups;
 };
-static std::map<std::string, std::shared_ptr<const ssm_listing>> listing_cache;
-static std::map<std::string, ssm_outcome> outcome_cache;  // archive path, NUL, member name
+struct ssm_kept {
+    std::map<std::string, std::shared_ptr<const ssm_listing>> listing_cache;
+    std::map<std::string, ssm_outcome> outcome_cache;  // archive path, NUL, member name
+};
+// The run's (the_run().ssm_archives).
+static ssm_kept& run_ssm_kept() { return the_run().ssm_archives.get(); }
 
 static std::string member_key(const std::string& path, std::string_view name) {
     std::string key = path;
@@ -85,69 +98,74 @@ static std::string member_key(const std::string& path, std::string_view name) {
 
 // ---- Records ----
 
-static void resetSsmDataBase() {
-    db.selected = 0;
-    db.archive_path.clear();
-    db.memory_used = 0;
-    db.file_count = 0;
-    db.first_file = db.last_file = db.files = nullptr;
-    db.listing.reset();
+static void resetSsmDataBase(SsmDataBase& d) {
+    d.selected = 0;
+    d.archive_path.clear();
+    d.memory_used = 0;
+    d.file_count = 0;
+    d.first_file = d.last_file = d.files = nullptr;
+    d.listing.reset();
 }
 
 static SsmFile* ssmFindFile(const char* lmid) {
-    if (!lmid || !db.files) return nullptr;
-    auto it = db.listing->index.find(lmid);
-    return it == db.listing->index.end() ? nullptr : &db.files[it->second];
+    if (!lmid || !db().files) return nullptr;
+    auto it = db().listing->index.find(lmid);
+    return it == db().listing->index.end() ? nullptr : &db().files[it->second];
 }
 
 // One record per distinct name, in directory order, allocated together.
 static bool ssmCreateFiles() {
-    const std::vector<ssm_entry>& entries = db.listing->entries;
+    const std::vector<ssm_entry>& entries = db().listing->entries;
     if (entries.empty()) return true;
-    void* block = db.alloc.alloc(entries.size() * sizeof(SsmFile));
+    void* block = db().alloc.alloc(entries.size() * sizeof(SsmFile));
     if (!block) return false;
-    db.files = new (block) SsmFile[entries.size()];
-    db.memory_used += uint32_t(entries.size() * sizeof(SsmFile));
+    db().files = new (block) SsmFile[entries.size()];
+    db().memory_used += uint32_t(entries.size() * sizeof(SsmFile));
     for (size_t i = 0; i < entries.size(); i++) {
-        SsmFile* f = &db.files[i];
+        SsmFile* f = &db().files[i];
         f->name = entries[i].name;
         f->image_size = entries[i].size;
         f->entry = &entries[i];
-        if (db.last_file) db.last_file->next = f;
-        else db.first_file = f;
-        db.last_file = f;
-        db.file_count++;
+        if (db().last_file) db().last_file->next = f;
+        else db().first_file = f;
+        db().last_file = f;
+        db().file_count++;
     }
     return true;
 }
 
-static void ssmFreeFile(SsmFile* f) {
-    if (f->block) db.alloc.release(f->block);
+static void ssmFreeFile(SsmDataBase& d, SsmFile* f) {
+    if (f->block) d.alloc.release(f->block);
     f->image = f->block = nullptr;
-    db.memory_used -= f->image_size;
+    d.memory_used -= f->image_size;
     f->loaded = 0;
 }
 
-static void ssmFreeTableList(SsmFile* f) {
+static void ssmFreeTableList(SsmDataBase& d, SsmFile* f) {
     if (f->tables) {
-        db.alloc.release(f->tables);
-        db.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
+        d.alloc.release(f->tables);
+        d.memory_used -= f->table_count * uint32_t(sizeof(uint32_t));
     }
     f->tables = nullptr;
     f->lookups = nullptr;
     f->table_count = 0;
 }
 
-static void ssmUnloadFile(SsmFile* f) {
+static void ssmUnloadFile(SsmDataBase& d, SsmFile* f) {
     if (!f->loaded) return;
-    ssmFreeFile(f);
-    ssmFreeTableList(f);
+    ssmFreeFile(d, f);
+    ssmFreeTableList(d, f);
+}
+
+// Every member's memory and the records' block.
+static void ssmReleaseFiles(SsmDataBase& d) {
+    for (SsmFile* f = d.first_file; f; f = f->next) ssmUnloadFile(d, f);
+    if (d.files) d.alloc.release(d.files);
 }
 
 void deleteSsmDataBase() {
-    for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
-    if (db.files) db.alloc.release(db.files);
-    resetSsmDataBase();
+    ssmReleaseFiles(db());
+    resetSsmDataBase(db());
 }
 
 // ---- Selecting an archive ----
@@ -194,38 +212,39 @@ static int ssmReadDirectory(const char* path, ssm_listing* out) {
 }
 
 int ssmSelectArchive(const char* path, const SsmAllocators* allocators) {
-    if (db.alloc.release) deleteSsmDataBase();
-    db.alloc = *allocators;
-    resetSsmDataBase();
+    if (db().alloc.release) deleteSsmDataBase();
+    db().alloc = *allocators;
+    resetSsmDataBase(db());
     if (!path) return SSM_ARCHIVE_ERROR;
-    db.archive_path = path;
+    db().archive_path = path;
 
-    auto cached = listing_cache.find(db.archive_path);
+    auto& listing_cache = run_ssm_kept().listing_cache;
+    auto cached = listing_cache.find(db().archive_path);
     if (cached == listing_cache.end()) {
         auto listing = std::make_shared<ssm_listing>();
         if (int r = ssmReadDirectory(path, listing.get()); r != SSM_OK) return r;
-        cached = listing_cache.emplace(db.archive_path, std::move(listing)).first;
+        cached = listing_cache.emplace(db().archive_path, std::move(listing)).first;
     }
-    db.listing = cached->second;
+    db().listing = cached->second;
     if (!ssmCreateFiles()) {
-        db.listing.reset();
+        db().listing.reset();
         return SSM_NO_MEMORY;
     }
-    db.selected = 1;
-    return db.listing->result;
+    db().selected = 1;
+    return db().listing->result;
 }
 
 // ---- Loading a member ----
 
 static uint8_t* ssmAllocImage(SsmFile* f) {
-    f->image = f->block = static_cast<uint8_t*>(db.alloc.alloc(std::max<size_t>(f->image_size, 1)));
-    if (f->block) db.memory_used += f->image_size;
+    f->image = f->block = static_cast<uint8_t*>(db().alloc.alloc(std::max<size_t>(f->image_size, 1)));
+    if (f->block) db().memory_used += f->image_size;
     return f->block;
 }
 
 // The member's bytes from the archive, into f->image.
 static int ssmReadFile(SsmFile* f) {
-    unzFile zip = unzOpen(db.archive_path.c_str());
+    unzFile zip = unzOpen(db().archive_path.c_str());
     if (!zip) return SSM_ARCHIVE_ERROR;
     unz_file_pos pos{f->entry->dir_offset, f->entry->dir_index};
     if (unzGoToFilePos(zip, &pos) != UNZ_OK) {
@@ -244,7 +263,7 @@ static int ssmReadFile(SsmFile* f) {
     }
     if (unzOpenCurrentFile(zip) != UNZ_OK) {
         unzClose(zip);
-        if (can_fill) ssmFreeFile(f);
+        if (can_fill) ssmFreeFile(db(), f);
         return SSM_ARCHIVE_ERROR;
     }
     if (!can_fill) {
@@ -261,7 +280,7 @@ static int ssmReadFile(SsmFile* f) {
     unzCloseCurrentFile(zip);
     unzClose(zip);
     if (got < f->image_size) {
-        ssmFreeFile(f);
+        ssmFreeFile(db(), f);
         return SSM_SHORT_READ;
     }
     f->loaded = 1;
@@ -304,9 +323,9 @@ std::vector<uint32_t> ssmFindTables(const uint8_t* image, uint32_t size) {
 static int ssmCreateTableList(SsmFile* f, const std::vector<uint32_t>& found) {
     f->table_count = uint32_t(found.size());
     const uint32_t list_size = f->table_count * uint32_t(sizeof(uint32_t));
-    f->tables = static_cast<uint32_t*>(db.alloc.alloc(list_size));
+    f->tables = static_cast<uint32_t*>(db().alloc.alloc(list_size));
     if (!f->tables) return SSM_NO_MEMORY;
-    db.memory_used += list_size;
+    db().memory_used += list_size;
     std::copy(found.begin(), found.end(), f->tables);
     return SSM_OK;
 }
@@ -334,11 +353,12 @@ static int ssmLoadKept(SsmFile* f, ssm_outcome& kept) {
 }
 
 int ssmLoad(const char* lmid) {
-    if (!db.selected) return SSM_NOT_SELECTED;
+    if (!db().selected) return SSM_NOT_SELECTED;
     SsmFile* f = ssmFindFile(lmid);
     if (!f) return SSM_NO_SUCH_FILE;
     if (f->loaded) return SSM_OK;
-    const std::string key = member_key(db.archive_path, f->name);
+    const std::string key = member_key(db().archive_path, f->name);
+    auto& outcome_cache = run_ssm_kept().outcome_cache;
     auto kept = outcome_cache.find(key);
     const int r = kept != outcome_cache.end() ? ssmLoadKept(f, kept->second) : ssmLoadFromArchive(f);
     // What depends on the member alone is kept; memory and access failures are not.
@@ -351,16 +371,16 @@ int ssmLoad(const char* lmid) {
         }
         kept = outcome_cache.emplace(key, std::move(outcome)).first;
     }
-    if (r != SSM_OK) ssmUnloadFile(f);
+    if (r != SSM_OK) ssmUnloadFile(db(), f);
     else if (kept != outcome_cache.end()) f->lookups = kept->second.lookups.data();
     return r;
 }
 
 int ssmUnload(const char* lmid) {
-    if (!db.selected) return SSM_NOT_SELECTED;
+    if (!db().selected) return SSM_NOT_SELECTED;
     SsmFile* f = ssmFindFile(lmid);
     if (!f) return SSM_NO_SUCH_FILE;
-    ssmUnloadFile(f);
+    ssmUnloadFile(db(), f);
     return SSM_OK;
 }
 
@@ -368,11 +388,11 @@ int ssmUnload(const char* lmid) {
 // memory ran out, and at the end of the report. The members go first, as
 // they may have borrowed kept images.
 int ssmUnloadAll() {
-    if (db.selected)
-        for (SsmFile* f = db.first_file; f; f = f->next) ssmUnloadFile(f);
-    outcome_cache.clear();
-    listing_cache.clear();
-    return db.selected ? SSM_OK : SSM_NOT_SELECTED;
+    if (db().selected)
+        for (SsmFile* f = db().first_file; f; f = f->next) ssmUnloadFile(db(), f);
+    run_ssm_kept().outcome_cache.clear();
+    run_ssm_kept().listing_cache.clear();
+    return db().selected ? SSM_OK : SSM_NOT_SELECTED;
 }
 
 static sig_table file_table(const SsmFile* f, uint32_t t) {
@@ -382,7 +402,7 @@ static sig_table file_table(const SsmFile* f, uint32_t t) {
 int ssmPrint(const char* lmid, const uint8_t* signal, uint32_t size, ssm_putc_fn put_char) {
     if (!signal || size == 0) return SSM_BAD_SIGNAL;
     if (lmid) {
-        if (!db.selected) return SSM_NOT_SELECTED;
+        if (!db().selected) return SSM_NOT_SELECTED;
         const SsmFile* f = ssmFindFile(lmid);
         if (f && f->loaded)
             for (uint32_t t = 0; t < f->table_count; t++)
@@ -394,7 +414,7 @@ int ssmPrint(const char* lmid, const uint8_t* signal, uint32_t size, ssm_putc_fn
 }
 
 int ssmPrintSignalNames(const char* lmid, uint32_t signo, ssm_putc_fn put_char) {
-    if (!db.selected) return SSM_NOT_SELECTED;
+    if (!db().selected) return SSM_NOT_SELECTED;
     const SsmFile* f = ssmFindFile(lmid);
     if (!f) return SSM_NO_SUCH_FILE;
     int names = 0;
@@ -410,15 +430,15 @@ static void info_text(char* out, std::string_view text) {
 }
 
 std::unique_ptr<SsmInfoRow[]> ssmInfo() {
-    if (!db.selected) return nullptr;
-    std::unique_ptr<SsmInfoRow[]> rows(new (std::nothrow) SsmInfoRow[db.file_count + 1]());
+    if (!db().selected) return nullptr;
+    std::unique_ptr<SsmInfoRow[]> rows(new (std::nothrow) SsmInfoRow[db().file_count + 1]());
     if (!rows) return nullptr;
-    rows[0].flag = db.selected;
-    info_text(rows[0].text, db.archive_path);
-    rows[0].first = db.memory_used;
-    rows[0].second = db.file_count;
+    rows[0].flag = db().selected;
+    info_text(rows[0].text, db().archive_path);
+    rows[0].first = db().memory_used;
+    rows[0].second = db().file_count;
     size_t i = 1;
-    for (const SsmFile* f = db.first_file; f; f = f->next, i++) {
+    for (const SsmFile* f = db().first_file; f; f = f->next, i++) {
         rows[i].flag = f->loaded;
         info_text(rows[i].text, f->name);
         rows[i].first = f->image_size;
@@ -430,7 +450,6 @@ std::unique_ptr<SsmInfoRow[]> ssmInfo() {
 // ---- The report's side: which archive, and whether to go on ----
 
 static const SsmAllocators heap_allocators = {std::malloc, std::free};
-static SsmAllocators report_allocators = heap_allocators;
 
 static void print_ssm_error(int code) { std::fprintf(stderr, "Error: %s\n", ssmResultText(code)); }
 
@@ -456,8 +475,7 @@ static bool told_and_stopped(int code, bool twice, krd_options* options) {
 }
 
 int handle_sigsymb_file(FILE*, krd_options* options) {
-    report_allocators = heap_allocators;
-    const int r = ssmSelectArchive(options->zip_files[0], &report_allocators);
+    const int r = ssmSelectArchive(options->zip_files[0], &heap_allocators);
     if (r == SSM_OK) return 0;
     if (!selection_failure(r)) {
         print_ssm_error(r);
@@ -484,7 +502,7 @@ int load_sigsymb_file(FILE*, const krd_signal_record* record, krd_options* optio
     const int skip = options->zip_current;
     for (int i = 0; i < options->zip_count; i++) {
         if (i == skip) continue;
-        const int s = ssmSelectArchive(options->zip_files[i], &report_allocators);
+        const int s = ssmSelectArchive(options->zip_files[i], &heap_allocators);
         if (s != SSM_OK && selection_failure(s) && told_and_stopped(s, true, options)) return s;
         if (s != SSM_OK && !selection_failure(s)) print_ssm_error(s);
         options->zip_current = i;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "run/krd_run.h"
 #include "symbols/iberty.h"
 #include "support/out_buffer.h"
 #include "symbols/address_print.h"
@@ -25,9 +26,9 @@ void print_tool_answer(out_buffer& out, const cross_tool_answer& a) {
 }
 
 void tell_tool_missing() {
-    static bool told = false;
+    int& told = the_run().cross_tool_missing_told;
     if (told) return;
-    told = true;
+    told = 1;
     std::fprintf(stderr, "krd: cross tool %s not found, addresses are translated in process\n", CROSS_TOOL_NAME);
 }
 
@@ -148,10 +149,9 @@ void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_
     print_address_to(*out, symbols, list, addr, options, product_id ? product_id : "");
 }
 
-namespace {
-
-// What print_pc_addr keeps between its calls in one run: the dump's load
-// module list and the open -e file. Both are what a fresh read would give.
+// What print_pc_addr keeps between its calls in one run (the_run().pc_addr):
+// the dump's load module list and the open -e file. Both are what a fresh
+// read would give.
 struct pc_addr_cache {
     const krd_file* dump = nullptr;
     std::string dump_name;
@@ -162,10 +162,9 @@ struct pc_addr_cache {
     zdb_file symbols;
 };
 
-pc_addr_cache& cache() {
-    static pc_addr_cache c;
-    return c;
-}
+namespace {
+
+pc_addr_cache& cache() { return the_run().pc_addr.get(); }
 
 bool same_dump(const pc_addr_cache& c, const krd_file* f) {
     return c.dump == f && c.dump_name == f->name && c.dump_size == f->size && c.dump_id == f->dump_id &&

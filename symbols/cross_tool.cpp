@@ -18,6 +18,8 @@
 #include <map>
 #include <unordered_map>
 
+#include "run/krd_run.h"
+
 extern char** environ;
 
 namespace {
@@ -38,16 +40,19 @@ struct tool_file {
     std::unordered_map<uint32_t, cross_tool_answer> answers;
 };
 
-struct tool_state {
+}  // namespace
+
+// The run's (the_run().cross_tool): the tool's path and one process per
+// symbol file, with its answers.
+struct cross_tool_state {
     bool looked_up = false;
     std::string path;
     std::map<std::string, tool_file> files;
 };
 
-tool_state& state() {
-    static tool_state s;
-    return s;
-}
+namespace {
+
+cross_tool_state& state() { return the_run().cross_tool.get(); }
 
 constexpr size_t line_limit = 1022;
 
@@ -230,7 +235,7 @@ std::string cross_tool_search_path(const char* name, const char* path_list) {
 }
 
 const std::string& cross_tool_path() {
-    tool_state& s = state();
+    cross_tool_state& s = state();
     if (!s.looked_up) {
         s.looked_up = true;
         const char* path_list = std::getenv("PATH");
@@ -286,7 +291,7 @@ void cross_tool_prefetch(const std::vector<cross_tool_request>& requests) {
 }
 
 void cross_tool_close_all() {
-    tool_state& s = state();
+    cross_tool_state& s = state();
     for (auto& [file, tf] : s.files) end_process(tf.process);
     s.files.clear();
     s.looked_up = false;

@@ -11,16 +11,12 @@
 
 #include "pmd/section_chain.h"
 #include "pmd/section_payload.h"
+#include "pmd/section_titles.h"
 #include "support/byte_cursor.h"
 #include "support/out_buffer.h"
 #include "symbols/target_number.h"
 
 namespace {
-
-bool is_stack_title(const std::string& t) {
-    return t.find("STACK") != std::string::npos || t.starts_with("PMD stack") || t.starts_with("Stack for pid") ||
-           t.starts_with("Supervisor stack");
-}
 
 std::string cut_title(std::string t) {
     if (t.size() > CALLTRACE_TITLE_MAX) t.resize(CALLTRACE_TITLE_MAX);
@@ -66,7 +62,7 @@ stack_images read_stack_images(krd_file* f) {
     std::vector<stack_image> images;
     uint32_t cursor = 0;
     for (krd_chain c = krd_find_section(f, &cursor, ""); c; c = krd_get_section(f, &cursor)) {
-        if (!is_stack_title(c->title)) continue;
+        if (!is_walked_stack_title(c->title)) continue;
         krd_payload payload;
         krd_payload_status status = krd_read_chain_payload(f, c.get(), &payload);
         // Without a payload descriptor it is no memory block: not a stack.
@@ -89,14 +85,15 @@ stack_images read_stack_images(krd_file* f) {
 // for the first title and, where it fails, for the second from the same
 // place gives, found in one walk.
 std::vector<register_set> read_register_sets(krd_file* f) {
-    static constexpr size_t prefix_length = 22;
+    static_assert(process_registers_title.size() == cpu_registers_title.size());
+    static constexpr size_t prefix_length = process_registers_title.size();
     std::vector<krd_chain> process_sets, cpu_sets;
     uint32_t cursor = 0;
     for (krd_chain c = krd_find_section(f, &cursor, ""); c; c = krd_get_section(f, &cursor)) {
-        if (c->title.find("REGISTERS FOR PROCESS ") != std::string::npos) {
+        if (holds_process_registers_title(c->title)) {
             process_sets.push_back(std::move(c));
             cpu_sets.clear();
-        } else if (c->title.find("CPU registers for pid ") != std::string::npos) {
+        } else if (holds_cpu_registers_title(c->title)) {
             cpu_sets.push_back(std::move(c));
         }
     }

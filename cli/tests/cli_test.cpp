@@ -5,6 +5,10 @@
 
 #include "cli/report.h"
 #include "pmd/tests/dump_fixture.h"
+#include "render/dump_printers.h"
+#include "render/process_list.h"
+#include "render/ramlog.h"
+#include "render/section_blocks.h"
 #include "tests/capture.h"
 
 namespace {
@@ -75,6 +79,58 @@ TEST(SystemParameters, ReadOnceForEverySectionThatAsks) {
     z_alloc = default_z_alloc;
     EXPECT_EQ(param_reads, 2u);  // its own section, and the first lookup
     EXPECT_EQ(count_of(out, "  Cannot read T&E log [trace ecode=1]\n"), 3u);
+}
+
+// Built by append: g++ -O3 warns falsely of an overlap on "\n" + text.
+std::string newline_then(const std::string& text) {
+    std::string s(1, '\n');
+    s.append(text);
+    return s;
+}
+
+std::span<const uint8_t> as_span(const std::string& s) { return {reinterpret_cast<const uint8_t*>(s.data()), s.size()}; }
+
+// Titles that fit several rules of the memory block dispatch: the first
+// rule in order takes the block, and a block not marked as text (no blank in
+// front of its title) never reaches the rules for text-marked ones.
+TEST(MemoryBlockRules, FirstFittingRuleTakesTheBlock) {
+    const std::string regs = "R1=0005FF30 PC=01000414 ";
+    const std::string blank_regs = "  R1=0005FF30 PC=01000414 ";
+    const std::string queue = "0x00010024 sent 0x105 = 00 00 01 05\n";
+    const std::string ramlog = "boot\nrunning\n";
+    struct block {
+        const char* title;
+        const std::string& text;
+        std::string body;  // what the renderer that must take it prints
+    };
+    auto printed = [](auto print) { return capture(print); };
+    const block blocks[] = {
+        // The register rule before the stack rule and the text mark.
+        {"REGISTERS STACK FOR pid 1", regs, newline_then(printed([&](FILE* o) { print_reg_text(o, as_span(regs)); }))},
+        // A blank in the first two bytes is no register text; marked as
+        // text, it falls through to the last rule.
+        {" CPU registers for pid = 7", blank_regs, printed([&](FILE* o) { print_text_dump(o, as_span(blank_regs)); })},
+        {"RAMLOG STACK FOR core 0", ramlog, printed([&](FILE* o) { print_ramlog(o, as_span(ramlog)); })},
+        {" Stack for pid 0x10023", ramlog, newline_then(printed([&](FILE* o) { print_stack_dump(o, as_span(ramlog), 0); }))},
+        // Unmarked: shown as text, not parsed as a signal queue.
+        {"SIGNAL QUEUE FOR PROCESS 0x00010023", queue,
+         newline_then(printed([&](FILE* o) { print_text_dump(o, as_span(queue)); }))},
+        // Marked, but without -n the process list is plain text.
+        {" PROCESS LIST", ramlog, printed([&](FILE* o) { print_text_dump(o, as_span(ramlog)); })},
+    };
+    pmd_dump d;
+    for (const block& b : blocks) d.sections.push_back(memory_section(b.title, b.text));
+    dump_fixture fx(d);
+    krd_options options{};
+    uint32_t cursor = 0;
+    krd_chain chain = krd_find_section(fx.f(), &cursor, "");
+    for (const block& b : blocks) {
+        ASSERT_TRUE(chain) << b.title;
+        std::string out = capture([&](FILE* o) { print_memory_block(o, fx.f(), chain.get(), &options, 0); });
+        EXPECT_EQ(out, b.body) << b.title;
+        krd_free_chain(chain);
+        chain = krd_get_section(fx.f(), &cursor);
+    }
 }
 
 }  // namespace
