@@ -21,13 +21,13 @@ static bool read_field(std::string_view f, size_t* i, char* out, size_t* n, int*
     return true;
 }
 
-static void note_flag(sig_int_spec* spec, char flag) {
+static void note_flag(sig_int_layout* layout, char flag) {
     switch (flag) {
-    case '-': spec->left = true; break;
-    case '+': spec->plus = true; break;
-    case ' ': spec->space = true; break;
-    case '#': spec->alt = true; break;
-    default: spec->zero = true; break;
+    case '-': layout->left = true; break;
+    case '+': layout->plus = true; break;
+    case ' ': layout->space = true; break;
+    case '#': layout->alt = true; break;
+    default: layout->zero = true; break;
     }
 }
 
@@ -53,13 +53,13 @@ sig_format sig_check_format(std::string_view f) {
         r.before = lit;
         r.text[n++] = f[i++];
         while (i < f.size() && std::strchr("-+ #0", f[i]) && f[i] != '\0') {
-            note_flag(&r.spec, f[i]);
+            note_flag(&r.layout, f[i]);
             r.text[n++] = f[i++];
         }
-        if (!read_field(f, &i, r.text, &n, &r.spec.width)) return sig_format{};
+        if (!read_field(f, &i, r.text, &n, &r.layout.width)) return sig_format{};
         if (i < f.size() && f[i] == '.') {
             r.text[n++] = f[i++];
-            if (!read_field(f, &i, r.text, &n, &r.spec.precision)) return sig_format{};
+            if (!read_field(f, &i, r.text, &n, &r.layout.precision)) return sig_format{};
         }
         // The length as the target reads it: long and size_t are 32 bits.
         std::string_view rest = f.substr(i);
@@ -93,7 +93,7 @@ sig_format sig_check_format(std::string_view f) {
             return sig_format{};
         }
         r.text[n++] = conv;
-        r.spec.conv = conv;
+        r.layout.conv = conv;
     }
     if (conversions > 1 || n == 0) return sig_format{};
     if (conversions == 0) {
@@ -126,12 +126,12 @@ const sig_format& sig_checked_format(std::string_view f) {
     return slot.format;
 }
 
-size_t sig_put_integer(char* out, const sig_int_spec& spec, uint64_t value) {
-    const bool is_signed = spec.conv == 'd' || spec.conv == 'i';
+size_t sig_put_integer(char* out, const sig_int_layout& layout, uint64_t value) {
+    const bool is_signed = layout.conv == 'd' || layout.conv == 'i';
     const bool negative = is_signed && int64_t(value) < 0;
     const uint64_t magnitude = negative ? 0 - value : value;
-    const unsigned base = spec.conv == 'o' ? 8 : (spec.conv == 'x' || spec.conv == 'X') ? 16 : 10;
-    const char* digit = spec.conv == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
+    const unsigned base = layout.conv == 'o' ? 8 : (layout.conv == 'x' || layout.conv == 'X') ? 16 : 10;
+    const char* digit = layout.conv == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
     char digits[24];  // least significant first
     int count = 0;
     // Each base by its own loop, which the compiler turns into shifts and
@@ -145,28 +145,28 @@ size_t sig_put_integer(char* out, const sig_int_spec& spec, uint64_t value) {
 
     // Leading zeros: to the precision (1 without one), and for "#o" one
     // zero in front of the first digit (a lone "0" for 0 at precision 0).
-    int zeros = std::max((spec.precision < 0 ? 1 : spec.precision) - count, 0);
-    if (spec.alt && base == 8 && zeros == 0) zeros = 1;
+    int zeros = std::max((layout.precision < 0 ? 1 : layout.precision) - count, 0);
+    if (layout.alt && base == 8 && zeros == 0) zeros = 1;
     char prefix[2];
     int prefix_size = 0;
     if (negative) prefix[prefix_size++] = '-';
-    else if (is_signed && spec.plus) prefix[prefix_size++] = '+';
-    else if (is_signed && spec.space) prefix[prefix_size++] = ' ';
-    if (spec.alt && base == 16 && magnitude != 0) {
+    else if (is_signed && layout.plus) prefix[prefix_size++] = '+';
+    else if (is_signed && layout.space) prefix[prefix_size++] = ' ';
+    if (layout.alt && base == 16 && magnitude != 0) {
         prefix[prefix_size++] = '0';
-        prefix[prefix_size++] = spec.conv;
+        prefix[prefix_size++] = layout.conv;
     }
     // Padding to the width: blanks, behind with '-', or zeros behind the
     // sign with '0' when no precision is given.
-    const int pad = std::max(spec.width - (prefix_size + zeros + count), 0);
-    const bool pad_zeros = spec.zero && !spec.left && spec.precision < 0;
+    const int pad = std::max(layout.width - (prefix_size + zeros + count), 0);
+    const bool pad_zeros = layout.zero && !layout.left && layout.precision < 0;
     char* p = out;
-    if (!spec.left && !pad_zeros) p = std::fill_n(p, pad, ' ');
+    if (!layout.left && !pad_zeros) p = std::fill_n(p, pad, ' ');
     p = std::copy_n(prefix, prefix_size, p);
     if (pad_zeros) p = std::fill_n(p, pad, '0');
     p = std::fill_n(p, zeros, '0');
     for (int k = count; k > 0; k--) *p++ = digits[k - 1];
-    if (spec.left) p = std::fill_n(p, pad, ' ');
+    if (layout.left) p = std::fill_n(p, pad, ' ');
     return size_t(p - out);
 }
 
@@ -192,7 +192,7 @@ size_t sig_format_integer(const sig_format& format, uint64_t value, int value_bi
     char text[SIG_FORMAT_MAX + 2 * max_field + 32];
     char* p = std::copy_n(format.literal, format.before, text);
     if (format.kind == sig_format::INTEGER)
-        p += sig_put_integer(p, format.spec, format.is_signed ? widen(value, format.bits, true) : value);
+        p += sig_put_integer(p, format.layout, format.is_signed ? widen(value, format.bits, true) : value);
     p = std::copy(format.literal + format.before, format.literal + format.literal_size, p);
     const size_t n = std::min(size_t(p - text), size - 1);
     std::memcpy(buffer, text, n);

@@ -11,7 +11,7 @@
 inline constexpr size_t SIG_FORMAT_MAX = 200;  // longest format accepted
 
 // One integer conversion of printf, taken apart.
-struct sig_int_spec {
+struct sig_int_layout {
     bool left = false;   // '-'
     bool plus = false;   // '+'
     bool space = false;  // ' '
@@ -26,7 +26,7 @@ struct sig_int_spec {
 // value as a signed, o, u, x and X as an unsigned 64-bit number. Writes at
 // most width + precision + 24 characters at out, no terminator, and
 // returns how many.
-size_t sig_put_integer(char* out, const sig_int_spec& spec, uint64_t value);
+size_t sig_put_integer(char* out, const sig_int_layout& layout, uint64_t value);
 
 struct sig_format {
     enum kind_t { NONE, INTEGER, FLOATING, PLAIN } kind = NONE;
@@ -41,7 +41,7 @@ struct sig_format {
     char literal[SIG_FORMAT_MAX + 1];
     size_t before = 0;        // characters of literal in front of the conversion
     size_t literal_size = 0;
-    sig_int_spec spec;
+    sig_int_layout layout;
 
     bool takes_integer() const { return kind == INTEGER || kind == PLAIN; }
     bool takes_floating() const { return kind == FLOATING || kind == PLAIN; }

@@ -30,11 +30,11 @@ static void put_printf(SsmPrintContext* ctx, const char* format, ...) {
 // and their kin print it, without printf.
 static void put_hex(SsmPrintContext* ctx, const char* text, uint64_t value, int digits = 1, char conv = 'x',
                     const char* after = "") {
-    sig_int_spec spec;
-    spec.conv = conv;
-    spec.precision = digits;
+    sig_int_layout layout;
+    layout.conv = conv;
+    layout.precision = digits;
     char number[24];
-    const size_t n = sig_put_integer(number, spec, value);
+    const size_t n = sig_put_integer(number, layout, value);
     ssmPutString(text, ctx->put_char);
     for (size_t i = 0; i < n; i++) ctx->put_char(number[i]);
     ssmPutString(after, ctx->put_char);
@@ -234,7 +234,7 @@ void ose_print_field(const sig_value& value, SsmPrintContext* context) { print_f
 
 void ssm_print_hex_dump(const uint8_t* data, uint32_t size, uint32_t offset, ssm_putc_fn put_char) {
     if (!data || size == 0) return;
-    sig_int_spec offset_digits, byte_digits;
+    sig_int_layout offset_digits, byte_digits;
     offset_digits.conv = 'X';
     offset_digits.precision = 8;
     byte_digits.conv = 'x';

@@ -67,7 +67,7 @@ inline uint32_t sig_name_put(char* name, uint32_t pos, std::string_view text) {
 inline uint32_t sig_name_index(char* name, uint32_t pos, std::string_view open, long long i) {
     char text[40];
     size_t n = open.copy(text, 8);
-    n += sig_put_integer(text + n, sig_int_spec{}, uint64_t(i));
+    n += sig_put_integer(text + n, sig_int_layout{}, uint64_t(i));
     text[n++] = ']';
     return sig_name_put(name, pos, std::string_view(text, n));
 }

@@ -406,9 +406,9 @@ TEST(SignalFormat, DigitsAsPrintfMakesThem) {
             for (const char* precision : {"", ".", ".0", ".1", ".4", ".25"})
                 for (auto [length, bits] : lengths)
                     for (char conv : std::string_view("diouxX")) {
-                        const std::string spec = std::string(flags) + width + precision;
-                        const std::string format = "<%" + spec + length + conv + "%%>";
-                        const std::string host = "<%" + spec + host_length[bits] + conv + "%%>";
+                        const std::string layout = std::string(flags) + width + precision;
+                        const std::string format = "<%" + layout + length + conv + "%%>";
+                        const std::string host = "<%" + layout + host_length[bits] + conv + "%%>";
                         // Kept verdicts, of which there are far fewer than formats here.
                         const sig_format& f = sig_checked_format(format);
                         ASSERT_EQ(f.kind, sig_format::INTEGER) << format;
