@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
@@ -30,13 +29,8 @@ void print_program_list(FILE* stream, krd_file* f, krd_section* node);
 void print_register_block(FILE* stream, krd_file* f, krd_section* node);
 void print_text_block(FILE* stream, krd_file* f, krd_section* node);
 
-// The line of a parameter in the SYSTEM PARAMETERS chain, key included and
-// double quotes left out; empty if absent; none after a message in the report.
-std::optional<std::string> get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key);
-
-// One read of a SYSTEM PARAMETERS chain, for a caller that needs its values
-// more than once: how the payload came out, and the lines of the two keys
-// the report uses, as get_system_param gives them.
+// One read of a SYSTEM PARAMETERS chain, kept for the run: how the payload
+// came out, and the lines of the two keys the report uses.
 struct system_params {
     bool found = false;  // the dump has the section
     krd_payload_status status = KRD_PAYLOAD_OK;
@@ -44,10 +38,9 @@ struct system_params {
     std::string timer_line;  // "krn/system_timer"
     std::string board_line;  // "target_board"
 };
-system_params read_system_params(krd_file* f, krd_section* chain);
-// The line of a key after a read, telling a failed read in the report as
-// get_system_param does: none after a message.
-const char* system_param_line(FILE* stream, const system_params& params, const char* key);
+// The line of a parameter, key included and double quotes left out; empty
+// if absent; none after a message in the report on a failed read.
+const char* get_system_param(FILE* stream, const system_params& params, const char* key);
 // The value of a parameter of the dump's SYSTEM PARAMETERS section: its
 // line behind the key and one separator; empty if absent or unreadable.
 std::string system_param_value(FILE* stream, krd_file* f, const char* key);

@@ -1,5 +1,4 @@
 #include <cstring>
-#include <optional>
 #include <string>
 
 #include "pmd/section_payload.h"
@@ -17,7 +16,7 @@ static std::string param_line(std::string_view text, const char* key) {
     return line;
 }
 
-system_params read_system_params(krd_file* f, krd_section* chain) {
+static system_params read_system_params(krd_file* f, krd_section* chain) {
     system_params params;
     params.found = true;
     params.title = chain->title;
@@ -32,7 +31,7 @@ system_params read_system_params(krd_file* f, krd_section* chain) {
     return params;
 }
 
-const char* system_param_line(FILE* stream, const system_params& params, const char* key) {
+const char* get_system_param(FILE* stream, const system_params& params, const char* key) {
     switch (params.status) {
     case KRD_PAYLOAD_CORRUPT:
         std::fputs("  Corrupt Section.\n", stream);
@@ -50,12 +49,6 @@ const char* system_param_line(FILE* stream, const system_params& params, const c
     return "";
 }
 
-std::optional<std::string> get_system_param(FILE* stream, krd_file* f, krd_section* chain, const char* key) {
-    const char* line = system_param_line(stream, read_system_params(f, chain), key);
-    if (!line) return std::nullopt;
-    return line;
-}
-
 // Every T&E and swap-in section asks, so the section is read on the first
 // lookup in a dump only; a failed read is told again at each.
 std::string system_param_value(FILE* stream, krd_file* f, const char* key) {
@@ -69,7 +62,7 @@ std::string system_param_value(FILE* stream, krd_file* f, const char* key) {
     }
     std::string value;
     if (params.found) {
-        const char* line = system_param_line(stream, params, key);
+        const char* line = get_system_param(stream, params, key);
         size_t skip = std::strlen(key) + 1;
         if (line && std::strlen(line) > skip) value = line + skip;
     }

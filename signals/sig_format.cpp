@@ -82,10 +82,6 @@ sig_format sig_check_format(std::string_view f) {
             r.bits = conv == 'c' ? 8 : bits;
             r.is_signed = conv == 'd' || conv == 'i';
             r.is_char = conv == 'c';
-            if (!r.is_char) {
-                r.text[n++] = 'l';
-                r.text[n++] = 'l';
-            }
         } else if (std::strchr("fFeEgGaA", conv) && conv != '\0') {
             if (bits != 32 && !long_double) return sig_format{};
             r.kind = sig_format::FLOATING;

@@ -30,8 +30,8 @@ size_t sig_put_integer(char* out, const sig_int_layout& layout, uint64_t value);
 
 struct sig_format {
     enum kind_t { NONE, INTEGER, FLOATING, PLAIN } kind = NONE;
-    // INTEGER: the conversion reads "ll" (or is "c"); FLOATING: a double;
-    // PLAIN: no conversion, the text alone whatever the value.
+    // The format as printf takes it, for "c" (an int) and FLOATING (a
+    // double); other integers and PLAIN are written from literal below.
     char text[SIG_FORMAT_MAX * 2 + 8];  // valid when kind is not NONE
     int bits = 32;  // how much of the value the format's own length keeps
     bool is_signed = false;

@@ -153,9 +153,7 @@ void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_
 // the dump's load module list and the open -e file. Both are what a fresh
 // read would give.
 struct pc_addr_cache {
-    const krd_file* dump = nullptr;
-    std::string dump_name;
-    uint32_t dump_size = 0, dump_id = 0, time_sec = 0, time_usec = 0;
+    uint64_t dump_serial = 0;  // the dump handle's serial; 0 for none
     lm_table list;
     bool have_symbols = false;
     std::string symbol_file;
@@ -166,11 +164,6 @@ namespace {
 
 pc_addr_cache& cache() { return the_run().pc_addr.get(); }
 
-bool same_dump(const pc_addr_cache& c, const krd_file* f) {
-    return c.dump == f && c.dump_name == f->name && c.dump_size == f->size && c.dump_id == f->dump_id &&
-           c.time_sec == f->time_sec && c.time_usec == f->time_usec;
-}
-
 }  // namespace
 
 void print_pc_addr_release() {
@@ -178,23 +171,18 @@ void print_pc_addr_release() {
     if (c.have_symbols) zdb_close_file(&c.symbols);
     c.have_symbols = false;
     c.list.reset();
-    c.dump = nullptr;
+    c.dump_serial = 0;
 }
 
 zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
     pc_addr_cache& c = cache();
     const char* wanted = options->symbol_file;
-    if (!same_dump(c, f) || c.have_symbols != (wanted != nullptr) || (wanted && c.symbol_file != wanted)) {
+    if (c.dump_serial != f->serial || c.have_symbols != (wanted != nullptr) || (wanted && c.symbol_file != wanted)) {
         print_pc_addr_release();
-        c.dump = f;
-        c.dump_name = f->name;
-        c.dump_size = f->size;
-        c.dump_id = f->dump_id;
-        c.time_sec = f->time_sec;
-        c.time_usec = f->time_usec;
+        c.dump_serial = f->serial;
         zdb_open_result opened = zdb_open_file(&c.symbols, wanted);
         if (!opened.ok()) {
-            c.dump = nullptr;
+            c.dump_serial = 0;
             return opened;
         }
         c.have_symbols = wanted != nullptr;

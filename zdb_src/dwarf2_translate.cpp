@@ -86,7 +86,8 @@ zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
     std::string directory = "<none>", file_name = "<none>", function = "<nofunc>", include_dir;
     int32_t line = 0;
     bool have_file = false, have_directory = false;
-    dwarf2_open_elf_file(file);
+    // The record keeps its own byte order and sections from open_elf_file,
+    // so no dwarf2_open_elf_file pass is needed before each translation.
     dwarf2_sections s{zdb_section_bytes(file, file->debug_info), zdb_section_bytes(file, file->debug_abbrev),
                       zdb_section_bytes(file, file->debug_str), zdb_section_bytes(file, file->debug_line)};
     if (s.info.empty() || s.abbrev.empty()) return nullptr;

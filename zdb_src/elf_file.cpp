@@ -33,17 +33,6 @@ constexpr section_slot open_sections[] = {
     {".debug_str", &zdb_file::debug_str, true},
 };
 
-// The pass repeated before each DWARF 2 translation.
-constexpr section_slot dwarf2_sections[] = {
-    {".text", &zdb_file::text, false},
-    {".symtab", &zdb_file::symtab, true},
-    {".strtab", &zdb_file::strtab, true},
-    {".debug_line", &zdb_file::debug_line, true},
-    {".debug_info", &zdb_file::debug_info, true},
-    {".debug_abbrev", &zdb_file::debug_abbrev, true},
-    {".debug_str", &zdb_file::debug_str, true},
-};
-
 bool inside_file(const zdb_file* f, uint64_t offset, uint64_t length) {
     return offset <= f->size && length <= f->size - offset;
 }
@@ -109,11 +98,6 @@ zdb_open_status open_elf_file(zdb_file* file) {
     }
     file->is_dwarf2 = file->debug_line ? 1 : 0;
     return ZDB_OPEN_OK;
-}
-
-void dwarf2_open_elf_file(zdb_file* file) {
-    examine_header(file);
-    find_sections(file, dwarf2_sections);
 }
 
 zdb_open_result zdb_open_file(zdb_file* file, const char* path) {

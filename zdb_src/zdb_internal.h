@@ -41,9 +41,6 @@ std::span<const uint8_t> zdb_section_bytes(const zdb_file* f, const uint8_t* sh)
 // Examines the image at `base`, `size` of a zeroed record and finds its
 // sections.
 zdb_open_status open_elf_file(zdb_file* file);
-// The same pass at each DWARF 2 translation: the byte order of this file
-// holds for the reading that follows.
-void dwarf2_open_elf_file(zdb_file* file);
 
 // Appends a string with its NUL to a result's text and returns its offset.
 uint32_t zdb_add_string(zdb_addr_info* info, std::string_view s);
