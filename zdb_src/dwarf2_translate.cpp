@@ -50,8 +50,8 @@ bool find_innermost(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t addr
 }
 
 // The name the cross tool gives an entry: a linkage name wins, from the
-// entry or from the entries its abstract origin or specification lead to;
-// else the first DW_AT_name on that way.
+// entry or from the entries its DW_AT_abstract_origin or DW_AT_specification
+// lead to; else the first DW_AT_name on that way.
 std::string tool_function_name(const dwarf2_sections& s, const dwarf2_cu& cu, dwarf2_die die) {
     std::string name;
     for (int hop = 0; hop < 8; hop++) {
