@@ -1,7 +1,6 @@
 // The bytes of a signal as the target prints them: hexadecimal pairs behind
 // "<hex> = ", over as many lines as they need. The target breaks lines
 // without regard to bytes, so the two digits of one byte can lie on two lines.
-#include <cstring>
 #include <new>
 
 #include "render/dump_printers.h"
@@ -13,10 +12,7 @@ void skip_formatting(const char*& text, const char* end) {
 }
 
 void print_string(FILE* stream, const char* text, size_t count) {
-    if (count == 0) return;
-    const void* zero = std::memchr(text, 0, count);
-    if (zero) count = size_t(static_cast<const char*>(zero) - text);
-    std::fwrite(text, 1, count, stream);
+    std::fwrite(text, 1, size_t(text_limit(text, count) - text), stream);
 }
 
 bool open_signal_text(FILE* stream, std::span<const uint8_t> image, signal_text* out) {
