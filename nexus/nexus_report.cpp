@@ -37,8 +37,7 @@ bool names_condition(const krd_options* options) {
 bool print_address_line(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr,
                         zdb_open_result* symbols) {
     out.put('\n');
-    out.flush();
-    zdb_open_result opened = print_pc_addr(out.stream, f, options, addr);
+    zdb_open_result opened = print_pc_addr(out, f, options, addr);
     if (!opened.ok()) *symbols = opened;
     return opened.ok();
 }

@@ -143,12 +143,6 @@ void print_address_to(out_buffer& out, zdb_file* symbols, const lm_list* list, u
     }
 }
 
-void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
-                   const char* product_id) {
-    auto out = std::make_unique<out_buffer>(stream);
-    print_address_to(*out, symbols, list, addr, options, product_id ? product_id : "");
-}
-
 // What print_pc_addr keeps between its calls in one run (the_run().pc_addr):
 // the dump's load module list and the open -e file. Both are what a fresh
 // read would give.
@@ -174,7 +168,7 @@ void print_pc_addr_release() {
     c.dump_serial = 0;
 }
 
-zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
+zdb_open_result print_pc_addr(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr) {
     pc_addr_cache& c = cache();
     const char* wanted = options->symbol_file;
     if (c.dump_serial != f->serial || c.have_symbols != (wanted != nullptr) || (wanted && c.symbol_file != wanted)) {
@@ -189,6 +183,11 @@ zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, u
         c.symbol_file = wanted ? wanted : "";
         c.list = parse_lm_table(f);
     }
-    print_address(stream, &c.symbols, c.list.get(), addr, options, "");
+    print_address_to(out, &c.symbols, c.list.get(), addr, options, "");
     return {};
+}
+
+zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr) {
+    auto out = std::make_unique<out_buffer>(stream);
+    return print_pc_addr(*out, f, options, addr);
 }

@@ -9,6 +9,8 @@
 #include "symbols/load_module.h"
 #include "zdb_src/zdb.h"
 
+struct out_buffer;
+
 // Modules are linked for this address; a module address is reckoned from it.
 inline constexpr uint32_t LM_LINK_BASE = 0x10000000;
 // Exception vectors of the system call range.
@@ -19,6 +21,5 @@ inline constexpr uint32_t SYSCALL_LAST = 0xFFF;
 // symbol file; they return why, and the run ends.
 zdb_open_result print_calltrace(FILE* stream, krd_file* f, krd_options* options);
 zdb_open_result print_pc_addr(FILE* stream, krd_file* f, krd_options* options, uint32_t addr);
-// One address: load module column, then position and function. Ends the line.
-void print_address(FILE* stream, zdb_file* symbols, const lm_list* list, uint32_t addr, const krd_options* options,
-                   const char* product_id);
+// The same into a caller's buffer, for callers that print many addresses.
+zdb_open_result print_pc_addr(out_buffer& out, krd_file* f, krd_options* options, uint32_t addr);
