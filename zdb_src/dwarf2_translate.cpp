@@ -9,44 +9,48 @@ using namespace zdb_dwarf2;
 
 namespace {
 
-// The first entry of the tag whose range holds the address. A declaration
-// without addresses never matches.
-bool find_holder(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t tag, uint32_t addr, dwarf2_die* found) {
-    dwarf2_die die;
-    while (find_tag(s, cu, tag, &die)) {
-        dwarf2_value v;
-        uint64_t low = find_attribute(s, cu, die, DW_AT_low_pc, &v) ? v.number : 0xFFFFFFFFu;
-        uint64_t high = find_attribute(s, cu, die, DW_AT_high_pc, &v) ? v.number : 0;
-        if (low <= addr && addr < high) {
-            *found = die;
-            return true;
-        }
-    }
-    return false;
-}
+// The entries whose range holds the address, from one walk over the
+// subprograms and then the inlined subroutines. A declaration without
+// addresses never matches.
+struct address_holders {
+    // The first holder of each tag, subprogram first: what the function
+    // name is taken from.
+    dwarf2_die first[2];
+    bool have_first[2] = {false, false};
+    // Where the cross tool looks for the function: the smallest range; of
+    // equal ranges the later one, which is nested deeper.
+    dwarf2_die innermost;
+    bool have_innermost = false;
+};
 
-// The innermost entry that holds the address, where the cross tool looks for
-// the function: the smallest range among subprograms and inlined
-// subroutines; of equal ranges the later one, which is nested deeper.
-bool find_innermost(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t addr, dwarf2_die* found) {
-    bool have = false;
+address_holders find_holders(const dwarf2_sections& s, const dwarf2_cu& cu, uint32_t addr) {
+    address_holders h;
     uint64_t best_length = 0;
-    for (uint32_t tag : {DW_TAG_subprogram, DW_TAG_inlined_subroutine}) {
+    const uint32_t tags[2] = {DW_TAG_subprogram, DW_TAG_inlined_subroutine};
+    for (int t = 0; t < 2; t++) {
         dwarf2_die die;
-        while (find_tag(s, cu, tag, &die)) {
-            dwarf2_value low, high;
-            if (!find_attribute(s, cu, die, DW_AT_low_pc, &low) || !find_attribute(s, cu, die, DW_AT_high_pc, &high))
-                continue;
-            if (addr < low.number || addr >= high.number) continue;
-            const uint64_t length = high.number - low.number;
-            if (!have || length < best_length || (length == best_length && die.values > found->values)) {
-                *found = die;
+        while (find_tag(s, cu, tags[t], &die)) {
+            dwarf2_value v;
+            const bool have_low = find_attribute(s, cu, die, DW_AT_low_pc, &v);
+            const uint64_t low = have_low ? v.number : 0xFFFFFFFFu;
+            const bool have_high = find_attribute(s, cu, die, DW_AT_high_pc, &v);
+            const uint64_t high = have_high ? v.number : 0;
+            if (addr < low || addr >= high) continue;
+            if (!h.have_first[t]) {
+                h.first[t] = die;
+                h.have_first[t] = true;
+            }
+            if (!have_low) continue;
+            const uint64_t length = high - low;
+            if (!h.have_innermost || length < best_length ||
+                (length == best_length && die.values > h.innermost.values)) {
+                h.innermost = die;
                 best_length = length;
-                have = true;
+                h.have_innermost = true;
             }
         }
     }
-    return have;
+    return h;
 }
 
 // The name the cross tool gives an entry: a linkage name wins, from the
@@ -123,9 +127,9 @@ zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
     }
 
     // A subprogram wins over an inlined subroutine that also holds the address.
-    dwarf2_die holder;
-    if (find_holder(s, cu, DW_TAG_subprogram, addr, &holder) ||
-        find_holder(s, cu, DW_TAG_inlined_subroutine, addr, &holder)) {
+    const address_holders holders = find_holders(s, cu, addr);
+    if (holders.have_first[0] || holders.have_first[1]) {
+        const dwarf2_die& holder = holders.have_first[0] ? holders.first[0] : holders.first[1];
         dwarf2_die named = holder;
         bool have = true;
         if (find_attribute(s, cu, holder, DW_AT_abstract_origin, &v)) have = get_tag(s, cu, v.number, &named);
@@ -138,9 +142,8 @@ zdb_addr_result zdb_dwarf2_translate_addr(zdb_file* file, uint32_t addr) {
     info->path_b_offset = zdb_add_string(info.get(), file_name);
     info->function_offset = zdb_add_string(info.get(), function);
 
-    dwarf2_die innermost;
     std::string tool_function;
-    if (find_innermost(s, cu, addr, &innermost)) tool_function = tool_function_name(s, cu, innermost);
+    if (holders.have_innermost) tool_function = tool_function_name(s, cu, holders.innermost);
     if (!tool_function.empty()) info->tool_function_offset = zdb_add_string(info.get(), tool_function);
     info->tool_path_offset = zdb_add_string(
         info.get(), have_file ? tool_path(file_name, include_dir, have_directory ? &directory : nullptr) : "");
